@@ -1,0 +1,90 @@
+#pragma once
+
+#include "model/clock.h"
+#include "model/ledger.h"
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <string_view>
+
+namespace finora {
+
+// What a successful change asks of the auto-save that follows it: deleting all operations goes
+// through the ordinary save command, every other change through the auto-save routine.
+enum class ChangeKind { Ordinary, DeleteAll };
+
+// The one open ledger and the only code that changes it. Lookups keep "first match in list
+// order" semantics; changes return false and leave everything as it was when refused, so the
+// caller picks the message.
+class CFinoraDoc {
+public:
+    using ChangeHandler = std::function<void(ChangeKind)>;
+
+    explicit CFinoraDoc(const Clock& clock);
+
+    const Ledger& ledger() const { return m_ledger; }
+    const Clock& clock() const { return m_clock; }
+
+    // --- lookups
+    // "BGL" for 0 and -1, the first currency's name, or an empty text.
+    std::string currencyName(std::int32_t id) const;
+    // 0 for exactly "BGL", the first currency of that exact name, or -1.
+    std::int32_t currencyId(std::string_view name) const;
+    const std::string& categoryName(std::int32_t id) const;
+    std::int32_t categoryParent(std::int32_t id) const;
+    bool hasSubcategories(std::int32_t id) const;
+    // Walks up from `category`: true when some category on the way has `ancestor` as parent.
+    bool isDescendant(std::int32_t category, std::int32_t ancestor) const;
+    // A copy of the first operation with the id, or an empty record with id 0.
+    Operation operation(std::int32_t id) const;
+    std::size_t operationCount() const { return m_ledger.operations.size(); }
+
+    // --- changes
+    bool addCategory(std::string name, std::int32_t parentId);
+    bool changeCategory(std::int32_t id, std::string name, std::int32_t parentId);
+    bool deleteCategory(std::int32_t id);
+    bool addCurrency(std::string name);
+    bool renameCurrency(std::int32_t id, std::string name);
+    bool deleteCurrency(std::int32_t id);
+    // The id of `fields` is ignored: the new record takes NextOperationId + 1.
+    bool addOperation(const Operation& fields);
+    // Replaces every field but the id of the first operation with fields.id().
+    bool changeOperation(const Operation& fields);
+    bool deleteOperation(std::int32_t id);
+    void deleteAllOperations();
+    bool markPaid(std::int32_t id);
+    // Hands out NextMasterId + 1; that alone does not mark the document modified.
+    std::int32_t newMasterId();
+
+    // --- document state
+    bool isModified() const { return m_modified; }
+    void setModified(bool modified) { m_modified = modified; }
+    const std::string& path() const { return m_path; }
+    void setPath(std::string path) { m_path = std::move(path); }
+
+    const std::string& lockText() const { return m_ledger.lockText; }
+    void setLockText(std::string text);
+    bool isUnlocked() const { return m_unlocked != 0; }
+    void setUnlocked(bool unlocked) { m_unlocked = unlocked ? 1 : 0; }
+
+    // Back to an empty ledger: no records, counters 0, no lock text. The unlocked flag stays.
+    void clear();
+    // Takes a ledger read from a file; the document is not marked modified.
+    void replaceLedger(Ledger ledger);
+
+    // Called after every successful change, once the document is marked modified.
+    void setChangeHandler(ChangeHandler handler) { m_onChange = std::move(handler); }
+
+private:
+    void changed(ChangeKind kind = ChangeKind::Ordinary);
+
+    const Clock& m_clock;
+    Ledger m_ledger;
+    std::string m_path;
+    bool m_modified = false;
+    std::int32_t m_unlocked = 0;
+    ChangeHandler m_onChange;
+};
+
+} // namespace finora

@@ -1,0 +1,116 @@
+#include "model/category.h"
+#include "model/id_index.h"
+#include "model/record_list.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+#include <unordered_map>
+#include <vector>
+
+using namespace finora;
+
+TEST(IdIndex, AgreesWithAReferenceMapUnderRandomInsertsAndErases)
+{
+    // Few distinct keys in a table that keeps growing and shrinking: long probe chains and
+    // wrap-around at the table's end are what backward-shift deletion gets wrong.
+    std::mt19937 rng(7);
+    IdIndex index;
+    std::unordered_map<std::int32_t, std::int32_t> reference;
+    for (int step = 0; step < 200000; ++step) {
+        const std::int32_t key = step % 3 == 0 ? static_cast<std::int32_t>(rng())
+                                               : static_cast<std::int32_t>(rng() % 500) - 250;
+        if (rng() % 3 == 0) {
+            index.erase(key);
+            reference.erase(key);
+        } else {
+            index.findOrInsert(key).first = step;
+            reference[key] = step;
+        }
+        if (step % 1000 == 0) {
+            ASSERT_EQ(index.size(), reference.size());
+            for (const auto& [k, v] : reference) {
+                const IdIndex::Entry* e = index.find(k);
+                ASSERT_NE(e, nullptr) << k;
+                ASSERT_EQ(e->first, v);
+            }
+        }
+    }
+    for (std::int32_t k = -300; k < 300; ++k) {
+        EXPECT_EQ(index.find(k) != nullptr, reference.count(k) == 1) << k;
+    }
+}
+
+namespace {
+
+std::vector<std::string> names(const RecordList<Category>& list)
+{
+    std::vector<std::string> out;
+    for (const Category& c : list) {
+        out.push_back(c.name());
+    }
+    return out;
+}
+
+} // namespace
+
+TEST(RecordList, DuplicateIdsAreFoundAndRemovedInListOrder)
+{
+    RecordList<Category> list;
+    list.append(Category(5, "a", 0));
+    list.append(Category(7, "b", 0));
+    list.append(Category(5, "c", 0));
+    list.append(Category(5, "d", 0));
+    EXPECT_EQ(list.find(5)->name(), "a");
+    EXPECT_TRUE(list.removeFirst(5));
+    EXPECT_EQ(list.find(5)->name(), "c");
+    EXPECT_TRUE(list.removeFirst(5));
+    EXPECT_EQ(list.find(5)->name(), "d");
+    list.append(Category(5, "e", 0));
+    EXPECT_TRUE(list.removeFirst(5));
+    EXPECT_EQ(list.find(5)->name(), "e");
+    EXPECT_TRUE(list.removeFirst(5));
+    EXPECT_EQ(list.find(5), nullptr);
+    EXPECT_FALSE(list.removeFirst(5));
+    EXPECT_EQ(names(list), std::vector<std::string>{"b"});
+}
+
+TEST(RecordList, KeepsInsertionOrderThroughRemovalsAndCompaction)
+{
+    // Remove enough to force compaction several times and compare with a plain vector.
+    RecordList<Category> list;
+    std::vector<Category> reference;
+    for (int i = 1; i <= 5000; ++i) {
+        list.append(Category(i % 1700, std::to_string(i), 0)); // ids repeat
+        reference.emplace_back(i % 1700, std::to_string(i), 0);
+    }
+    std::mt19937 rng(3);
+    while (reference.size() > 10) {
+        const std::int32_t id = reference[rng() % reference.size()].id();
+        ASSERT_TRUE(list.removeFirst(id));
+        reference.erase(std::find_if(reference.begin(), reference.end(),
+                                     [id](const Category& c) { return c.id() == id; }));
+        ASSERT_EQ(list.size(), reference.size());
+    }
+    EXPECT_TRUE(std::equal(list.begin(), list.end(), reference.begin(), reference.end()));
+    EXPECT_TRUE(std::equal(list.rbegin(), list.rend(), reference.rbegin(), reference.rend()));
+    for (const Category& c : reference) {
+        const auto first = std::find_if(reference.begin(), reference.end(),
+                                        [&](const Category& x) { return x.id() == c.id(); });
+        EXPECT_EQ(*list.find(c.id()), *first);
+    }
+}
+
+TEST(RecordList, IteratesOverNothingWhenEmptiedOrCleared)
+{
+    RecordList<Category> list;
+    EXPECT_EQ(list.begin(), list.end());
+    list.append(Category(1, "x", 0));
+    list.removeFirst(1);
+    EXPECT_EQ(list.begin(), list.end());
+    EXPECT_TRUE(list.empty());
+    list.append(Category(2, "y", 0));
+    list.clear();
+    EXPECT_EQ(list.find(2), nullptr);
+    EXPECT_EQ(list.rbegin(), list.rend());
+}
