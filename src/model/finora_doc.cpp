@@ -1,5 +1,7 @@
 #include "model/finora_doc.h"
 
+#include "lock/password_digest.h"
+
 namespace finora {
 namespace {
 
@@ -210,10 +212,23 @@ std::int32_t CFinoraDoc::newMasterId()
     return nextId(m_ledger.counters.nextMasterId);
 }
 
-void CFinoraDoc::setLockText(std::string text)
+void CFinoraDoc::setLock(std::string_view password)
 {
-    m_ledger.lockText = std::move(text);
-    changed();
+    m_ledger.lockText = passwordDigest(password);
+}
+
+bool CFinoraDoc::checkLock(std::string_view password, LockCheck mode)
+{
+    if (passwordDigest(password) != m_ledger.lockText) {
+        return false;
+    }
+    if (mode == LockCheck::TemporaryUnlock) {
+        m_unlocked = 1;
+    } else {
+        m_ledger.lockText.clear();
+        changed();
+    }
+    return true;
 }
 
 void CFinoraDoc::clear()

@@ -63,10 +63,19 @@ public:
     const std::string& path() const { return m_path; }
     void setPath(std::string path) { m_path = std::move(path); }
 
+    // --- the password lock
     const std::string& lockText() const { return m_ledger.lockText; }
-    void setLockText(std::string text);
     bool isUnlocked() const { return m_unlocked != 0; }
     void setUnlocked(bool unlocked) { m_unlocked = unlocked ? 1 : 0; }
+    // Protected and not unlocked for this session.
+    bool isLocked() const { return !m_ledger.lockText.empty() && m_unlocked == 0; }
+    // Keeps the digest of `password`; it reaches the file with the next save, which this does
+    // not trigger.
+    void setLock(std::string_view password);
+    enum class LockCheck { TemporaryUnlock, RemoveProtection };
+    // On a matching password: unlock until the document is closed, or remove the protection for
+    // good (a change, so it is auto-saved). A wrong password changes nothing.
+    bool checkLock(std::string_view password, LockCheck mode);
 
     // Back to an empty ledger: no records, counters 0, no lock text. The unlocked flag stays.
     void clear();

@@ -226,7 +226,7 @@ TEST_F(DocTest, ClearingEmptiesTheLedgerButKeepsTheUnlockedFlag)
 {
     doc.addCurrency("EUR");
     doc.addCategory("x", 0);
-    doc.setLockText("abc");
+    doc.setLock("abc");
     doc.setUnlocked(true);
     doc.clear();
     EXPECT_TRUE(doc.ledger().currencies.empty());

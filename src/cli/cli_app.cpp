@@ -1,0 +1,420 @@
+#include "cli/cli_app.h"
+
+#include "cli/json_writer.h"
+#include "demo/ledger_generator.h"
+#include "model/clock.h"
+#include "model/document_host.h"
+#include "model/finora_doc.h"
+#include "model/recording_prompter.h"
+#include "settings/overlay_settings_store.h"
+#include "settings/settings.h"
+#include "storage/backup_writer.h"
+#include "storage/document_storage.h"
+#include "storage/file_io.h"
+#include "text/cp1251.h"
+
+#include <charconv>
+#include <cstdio>
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <set>
+
+namespace finora::cli {
+namespace {
+
+// A failure that ends the command with its exit status and one line for the user.
+struct Failure {
+    int status;
+    std::string message;
+};
+
+struct OptionSpec {
+    std::string_view name;
+    bool takesValue;
+};
+
+// Every option any command knows; a command ignores those that do not concern it.
+constexpr OptionSpec kOptions[] = {
+    {"--help", false},      {"--json", false},       {"--now", true},        {"--password", true},
+    {"-o", true},           {"--operations", true},  {"--seed", true},       {"--force", false},
+    {"--new-password", true},
+};
+
+struct Arguments {
+    std::vector<std::string> positional;
+    std::map<std::string, std::vector<std::string>, std::less<>> values;
+    std::set<std::string, std::less<>> flags;
+
+    bool has(std::string_view flag) const { return flags.count(flag) != 0; }
+    std::optional<std::string> value(std::string_view name) const
+    {
+        const auto it = values.find(name);
+        if (it == values.end()) {
+            return std::nullopt;
+        }
+        return it->second.back();
+    }
+};
+
+std::string oneLine(std::string text)
+{
+    for (char& c : text) {
+        if (c == '\n') {
+            c = ' ';
+        }
+    }
+    return text;
+}
+
+Arguments parse(const std::vector<std::string>& args)
+{
+    Arguments a;
+    for (std::size_t i = 0; i < args.size(); ++i) {
+        std::string arg = args[i];
+        if (arg.size() < 2 || arg[0] != '-') {
+            a.positional.push_back(arg);
+            continue;
+        }
+        std::optional<std::string> inlineValue;
+        if (const auto eq = arg.find('='); eq != std::string::npos && arg.starts_with("--")) {
+            inlineValue = arg.substr(eq + 1);
+            arg.resize(eq);
+        }
+        const auto spec = std::find_if(std::begin(kOptions), std::end(kOptions),
+                                       [&](const OptionSpec& s) { return s.name == arg; });
+        if (spec == std::end(kOptions)) {
+            throw Failure{kUsage, "непозната опция „" + arg + "“. Вижте finora-cli --help."};
+        }
+        if (!spec->takesValue) {
+            if (inlineValue) {
+                throw Failure{kUsage, "опцията „" + arg + "“ не приема стойност."};
+            }
+            a.flags.insert(arg);
+            continue;
+        }
+        if (!inlineValue) {
+            if (i + 1 >= args.size()) {
+                throw Failure{kUsage, "опцията „" + arg + "“ изисква стойност."};
+            }
+            inlineValue = args[++i];
+        }
+        a.values[arg].push_back(*inlineValue);
+    }
+    return a;
+}
+
+std::int64_t parseInteger(const std::string& text, std::string_view option, std::int64_t min)
+{
+    std::int64_t value = 0;
+    const auto result = std::from_chars(text.data(), text.data() + text.size(), value);
+    if (result.ec != std::errc() || result.ptr != text.data() + text.size() || value < min) {
+        throw Failure{kUsage, "невалидна стойност „" + text + "“ за " + std::string(option) + "."};
+    }
+    return value;
+}
+
+DateTime parseNow(const std::string& text)
+{
+    int y = 0, mo = 0, d = 0, h = 0, mi = 0, s = 0, used = 0;
+    const bool complete = std::sscanf(text.c_str(), "%4d-%2d-%2d %2d:%2d:%2d%n", &y, &mo, &d, &h,
+                                      &mi, &s, &used) == 6 &&
+                          static_cast<std::size_t>(used) == text.size();
+    const DateTime now = DateTime::fromParts(y, mo, d, h, mi, s);
+    if (!complete || !now.isValid()) {
+        throw Failure{kUsage, "--now очаква дата и час във вида \"ГГГГ-ММ-ДД ЧЧ:ММ:СС\", а не „" +
+                                  text + "“."};
+    }
+    return now;
+}
+
+// The CLI has nobody to ask: no file dialog, and "ending the program" just ends the command.
+class CliHost final : public DocumentHost {
+public:
+    std::optional<std::string> chooseSavePath() override { return std::nullopt; }
+    void exitProgram(int) override {}
+};
+
+// What every command works with: one document and the code paths the desktop program uses.
+class Session {
+public:
+    Session(const Arguments& args, const SettingsStore& userSettings)
+        : m_args(args), m_store(userSettings), m_settings(m_store),
+          m_fixed(args.value("--now") ? parseNow(*args.value("--now")) : DateTime()),
+          m_clock(args.value("--now") ? static_cast<const Clock&>(m_fixed) : m_system),
+          m_doc(m_clock), m_storage(m_doc, m_settings, m_prompter, m_host, m_backups)
+    {
+    }
+
+    CFinoraDoc& doc() { return m_doc; }
+    const Arguments& args() const { return m_args; }
+
+    // Opens the ledger; with `needOperations`, a locked one needs the right --password.
+    void open(const std::string& path, bool needOperations)
+    {
+        const auto result = m_storage.open(path);
+        if (result != DocumentStorage::OpenResult::Opened) {
+            const std::string said = m_prompter.messages().empty() ? std::string()
+                                                                    : m_prompter.messages().back().text;
+            const bool newer = said == DocumentStorage::kNewerFileText;
+            throw Failure{newer ? kNewerFormat : kUnreadable, oneLine(said)};
+        }
+        if (needOperations && m_doc.isLocked()) {
+            const auto password = m_args.value("--password");
+            if (!password || !m_doc.checkLock(toCp1251(*password, "--password"),
+                                              CFinoraDoc::LockCheck::TemporaryUnlock)) {
+                throw Failure{kLocked, password ? "паролата не е вярна за този документ."
+                                                : "документът е защитен с парола; посочете я с "
+                                                  "--password."};
+            }
+        }
+    }
+
+    void save(const std::string& path)
+    {
+        m_prompter.clear();
+        if (!m_storage.save(path)) {
+            throw Failure{kNotWritten, oneLine(m_prompter.messages().back().text)};
+        }
+        m_backups.waitIdle();
+    }
+
+    static std::string toCp1251(const std::string& utf8, std::string_view what)
+    {
+        std::string out;
+        cp1251::EncodeError error;
+        if (!cp1251::fromUtf8(utf8, out, &error)) {
+            throw Failure{kUsage, std::string(what) + ": " + error.message()};
+        }
+        return out;
+    }
+
+private:
+    const Arguments& m_args;
+    OverlaySettingsStore m_store;
+    Settings m_settings;
+    SystemClock m_system;
+    FixedClock m_fixed;
+    const Clock& m_clock;
+    RecordingPrompter m_prompter{Answer::Yes}; // older files are converted without asking
+    CliHost m_host;
+    BackupWriter m_backups;
+    CFinoraDoc m_doc;
+    DocumentStorage m_storage;
+};
+
+std::string utf8(std::string_view cp1251Text)
+{
+    return cp1251::toUtf8(cp1251Text);
+}
+
+void writeDateTime(JsonWriter& json, const DateTime& dt)
+{
+    json.beginObject().key("status").value(dt.status()).key("days").value(dt.days()).endObject();
+}
+
+void writeCounters(JsonWriter& json, const LedgerCounters& c)
+{
+    json.beginObject()
+        .key("currency").value(c.nextCurrencyId)
+        .key("category").value(c.nextCategoryId)
+        .key("operation").value(c.nextOperationId)
+        .key("master").value(c.nextMasterId)
+        .endObject();
+}
+
+// The version at offset 0, read on its own: the document forgets it once the ledger is loaded.
+double fileVersion(const std::string& path)
+{
+    std::FILE* file = openFile(path, "rb");
+    double version = 0.0;
+    if (file) {
+        FileByteSource source(file);
+        ByteReader reader(source, 8);
+        reader.readDouble(version);
+        std::fclose(file);
+    }
+    return version;
+}
+
+// --- the commands
+
+int cmdNew(Session& s, std::ostream& out)
+{
+    const std::string& path = s.args().positional[1];
+    std::error_code ec;
+    if (!s.args().has("--force") && std::filesystem::exists(pathFromUtf8(path), ec)) {
+        throw Failure{kNotWritten, "файлът „" + path + "“ вече съществува; с --force ще бъде заменен."};
+    }
+    s.save(path);
+    out << "Създаден е празен документ: " << path << '\n';
+    return kOk;
+}
+
+int cmdInfo(Session& s, std::ostream& out)
+{
+    const std::string& path = s.args().positional[1];
+    s.open(path, false);
+    const Ledger& l = s.doc().ledger();
+    const double version = fileVersion(path);
+    if (s.args().has("--json")) {
+        JsonWriter json(out);
+        json.beginObject()
+            .key("file").value(path)
+            .key("version").value(version)
+            .key("currencies").value(static_cast<std::int64_t>(l.currencies.size()))
+            .key("categories").value(static_cast<std::int64_t>(l.categories.size()))
+            .key("operations").value(static_cast<std::int64_t>(l.operations.size()))
+            .key("counters");
+        writeCounters(json, l.counters);
+        json.key("locked").value(!l.lockText.empty()).endObject();
+        out << '\n';
+        return kOk;
+    }
+    std::array<char, 32> v{};
+    const auto end = std::to_chars(v.data(), v.data() + v.size(), version).ptr;
+    out << "Файл: " << path << '\n'
+        << "Версия на формата: " << std::string_view(v.data(), end - v.data()) << '\n'
+        << "Валути: " << l.currencies.size() << '\n'
+        << "Категории: " << l.categories.size() << '\n'
+        << "Операции: " << l.operations.size() << '\n'
+        << "Броячи: валути " << l.counters.nextCurrencyId << ", категории "
+        << l.counters.nextCategoryId << ", операции " << l.counters.nextOperationId
+        << ", плащания " << l.counters.nextMasterId << '\n'
+        << "Защита с парола: " << (l.lockText.empty() ? "не" : "да") << '\n';
+    return kOk;
+}
+
+int cmdDump(Session& s, std::ostream& out)
+{
+    const std::string& path = s.args().positional[1];
+    s.open(path, true);
+    const Ledger& l = s.doc().ledger();
+    JsonWriter json(out);
+    json.beginObject().key("version").value(fileVersion(path));
+    json.key("lock_text").value(utf8(l.lockText));
+    json.key("counters");
+    writeCounters(json, l.counters);
+    json.key("currencies").beginArray();
+    for (const Currency& c : l.currencies) {
+        json.beginObject().key("id").value(c.id()).key("name").value(utf8(c.name())).endObject();
+    }
+    json.endArray().key("categories").beginArray();
+    for (const Category& c : l.categories) {
+        json.beginObject()
+            .key("id").value(c.id())
+            .key("name").value(utf8(c.name()))
+            .key("parent").value(c.parentId())
+            .endObject();
+    }
+    json.endArray().key("operations").beginArray();
+    for (const Operation& op : l.operations) {
+        json.beginObject().key("id").value(op.id()).key("date");
+        writeDateTime(json, op.date());
+        json.key("description").value(utf8(op.description()))
+            .key("type").value(op.type())
+            .key("category").value(op.categoryId())
+            .key("amount").value(op.amount())
+            .key("currency").value(op.currencyId())
+            .key("amount_bgl").value(op.amountBgl())
+            .key("notes").value(utf8(op.notes()))
+            .key("last_modified");
+        writeDateTime(json, op.lastModified());
+        json.key("paid").value(op.paid()).key("master").value(op.masterId()).endObject();
+    }
+    json.endArray().endObject();
+    out << '\n';
+    return kOk;
+}
+
+int cmdConvert(Session& s, std::ostream& out)
+{
+    const std::string& path = s.args().positional[1];
+    s.open(path, false);
+    const std::string target = s.args().value("-o").value_or(path);
+    s.save(target);
+    out << "Записан във формат 1.4: " << target << '\n';
+    return kOk;
+}
+
+int cmdGenerate(Session& s, std::ostream& out)
+{
+    const std::string& path = s.args().positional[1];
+    const auto count = s.args().value("--operations");
+    if (!count) {
+        throw Failure{kUsage, "generate изисква --operations N."};
+    }
+    const std::int64_t n = parseInteger(*count, "--operations", 0);
+    if (n > 50'000'000) {
+        throw Failure{kUsage, "--operations може да бъде най-много 50000000."};
+    }
+    const auto seed = static_cast<std::uint64_t>(
+        parseInteger(s.args().value("--seed").value_or("1"), "--seed", 0));
+    s.doc().replaceLedger(generateLedger(n, seed));
+    s.save(path);
+    out << "Създаден е документ с " << n << " операции: " << path << '\n';
+    return kOk;
+}
+
+struct Command {
+    std::string_view name;
+    std::size_t arguments; // positional ones after the command's name
+    int (*run)(Session&, std::ostream&);
+    std::string_view usage;
+};
+
+constexpr Command kCommands[] = {
+    {"new", 1, cmdNew, "new FILE [--force]                 празен документ"},
+    {"info", 1, cmdInfo, "info FILE [--json]                 версия, брой записи, броячи, защита"},
+    {"dump", 1, cmdDump, "dump FILE --json                   всички записи и броячи като JSON"},
+    {"convert", 1, cmdConvert, "convert FILE [-o OUT]              записва във формат 1.4"},
+    {"generate", 1, cmdGenerate,
+     "generate FILE --operations N [--seed S]   примерен документ за демонстрации и измервания"},
+};
+
+void printHelp(std::ostream& out)
+{
+    out << "Употреба: finora-cli [глобални опции] КОМАНДА ...\n\n"
+           "Команди:\n";
+    for (const Command& c : kCommands) {
+        out << "  " << c.usage << '\n';
+    }
+    out << "\nГлобални опции:\n"
+           "  --now \"ГГГГ-ММ-ДД ЧЧ:ММ:СС\"   фиксира текущия момент\n"
+           "  --password P                 отключва защитен документ за командата\n"
+           "  --json                       изход като един JSON документ\n"
+           "  --help                       тази помощ\n\n"
+           "Изходен код: 0 успех, 1 грешна употреба, 2 файлът не може да бъде прочетен,\n"
+           "3 файлът е от по-нова версия, 4 документът е защитен, 5 файлът не може да бъде записан.\n";
+}
+
+} // namespace
+
+int run(const std::vector<std::string>& argv, std::ostream& out, std::ostream& err,
+        const SettingsStore& userSettings)
+{
+    try {
+        const Arguments args = parse(argv);
+        if (args.has("--help") || args.positional.empty()) {
+            printHelp(args.positional.empty() && !args.has("--help") ? err : out);
+            return args.has("--help") ? kOk : kUsage;
+        }
+        const std::string& name = args.positional[0];
+        const auto command = std::find_if(std::begin(kCommands), std::end(kCommands),
+                                          [&](const Command& c) { return c.name == name; });
+        if (command == std::end(kCommands)) {
+            throw Failure{kUsage, "непозната команда „" + name + "“. Вижте finora-cli --help."};
+        }
+        if (args.positional.size() != command->arguments + 1) {
+            throw Failure{kUsage, "употреба: finora-cli " + std::string(command->usage)};
+        }
+        Session session(args, userSettings);
+        return command->run(session, out);
+    } catch (const Failure& f) {
+        err << "finora-cli: " << f.message << '\n';
+        return f.status;
+    }
+}
+
+} // namespace finora::cli

@@ -1,0 +1,14 @@
+#include "app/qt_settings_store.h"
+#include "cli/cli_app.h"
+
+#include <iostream>
+
+int main(int argc, char** argv)
+{
+    std::ios::sync_with_stdio(false);
+    const finora::QtSettingsStore settings;
+    const std::vector<std::string> args(argv + 1, argv + argc);
+    const int status = finora::cli::run(args, std::cout, std::cerr, settings);
+    std::cout.flush();
+    return status;
+}
