@@ -1,0 +1,195 @@
+#include "../storage/ledger_builders.h"
+#include "cli/cli_app.h"
+#include "demo/ledger_generator.h"
+#include "settings/memory_settings_store.h"
+#include "storage/document_storage.h"
+#include "storage/file_io.h"
+#include "storage/ledger_format.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+using namespace finora;
+namespace fs = std::filesystem;
+
+namespace {
+
+struct CliResult {
+    int status;
+    std::string out;
+    std::string err;
+};
+
+class CliTest : public ::testing::Test {
+protected:
+    CliTest()
+        : dir(fs::temp_directory_path() /
+              (std::string("finora-cli-") +
+               ::testing::UnitTest::GetInstance()->current_test_info()->name()))
+    {
+        fs::remove_all(dir);
+        fs::create_directories(dir);
+    }
+    ~CliTest() override { fs::remove_all(dir); }
+
+    CliResult run(std::vector<std::string> args)
+    {
+        std::ostringstream out, err;
+        const int status = cli::run(args, out, err, settings);
+        return {status, out.str(), err.str()};
+    }
+    std::string path(const std::string& name) const { return pathToUtf8(dir / name); }
+    std::string read(const std::string& p) const
+    {
+        std::ifstream in(pathFromUtf8(p), std::ios::binary);
+        return std::string(std::istreambuf_iterator<char>(in), {});
+    }
+    void write(const std::string& p, const std::string& bytes) const
+    {
+        std::ofstream(pathFromUtf8(p), std::ios::binary) << bytes;
+    }
+
+    fs::path dir;
+    MemorySettingsStore settings;
+};
+
+} // namespace
+
+TEST_F(CliTest, NewWritesAn37ByteLedgerAndWillNotOverwriteWithoutForce)
+{
+    const std::string file = path("празен.fnr");
+    EXPECT_EQ(run({"new", file}).status, 0);
+    EXPECT_EQ(read(file), serializeLedger(Ledger()));
+    EXPECT_EQ(read(file).size(), 37u);
+    write(file, "precious");
+    const CliResult again = run({"new", file});
+    EXPECT_EQ(again.status, cli::kNotWritten);
+    EXPECT_EQ(read(file), "precious");
+    EXPECT_EQ(run({"new", file, "--force"}).status, 0);
+    EXPECT_EQ(run({"new", path("missing/x.fnr")}).status, cli::kNotWritten);
+}
+
+TEST_F(CliTest, ConvertKeepsACurrentFileByteForByte)
+{
+    const std::string file = path("g.fnr");
+    ASSERT_EQ(run({"generate", file, "--operations", "3000", "--seed", "9"}).status, 0);
+    const std::string before = read(file);
+    ASSERT_EQ(run({"convert", file, "-o", path("out.fnr")}).status, 0);
+    EXPECT_EQ(read(path("out.fnr")), before);
+    // A generated ledger is the same for the same seed and differs for another.
+    ASSERT_EQ(run({"generate", path("h.fnr"), "--operations", "3000", "--seed", "9"}).status, 0);
+    EXPECT_EQ(read(path("h.fnr")), before);
+    ASSERT_EQ(run({"generate", path("i.fnr"), "--operations", "3000", "--seed", "10"}).status, 0);
+    EXPECT_NE(read(path("i.fnr")), before);
+}
+
+TEST_F(CliTest, OlderVersionsAreConvertedWithoutAQuestion)
+{
+    for (const auto& [version, paid, master] :
+         {std::tuple{1.0, true, false}, std::tuple{1.33, false, false},
+          std::tuple{10.4, true, false}, std::tuple{1000.0, true, false}}) {
+        const std::string file = path("old.fnr");
+        write(file, test::legacyBytes(version, test::sampleLedger(), paid, master));
+        const CliResult r = run({"convert", file});
+        ASSERT_EQ(r.status, 0) << version << r.err;
+        const std::string bytes = read(file);
+        Ledger l;
+        ByteReader reader(bytes);
+        ASSERT_EQ(readLedger(reader, l, [](double) { return false; }).status, ReadStatus::Ok);
+        EXPECT_EQ(l.operations.size(), 3u);
+        EXPECT_EQ(l.counters.nextMasterId, 0);
+    }
+}
+
+TEST_F(CliTest, ExitStatusesTellWhatWentWrong)
+{
+    const std::string newer = path("newer.fnr");
+    write(newer, test::legacyBytes(1.41, test::sampleLedger(), true, true));
+    const CliResult r = run({"info", newer});
+    EXPECT_EQ(r.status, cli::kNewerFormat);
+    EXPECT_EQ(r.err, "finora-cli: Този документ е създаден от по-нова версия на Finora и не може да "
+                     "бъде отворен. Натиснете OK за изход от програмата...\n");
+
+    const std::string cut = path("cut.fnr");
+    write(cut, serializeLedger(test::sampleLedger()).substr(0, 50));
+    EXPECT_EQ(run({"dump", cut, "--json"}).status, cli::kUnreadable);
+    EXPECT_EQ(run({"info", path("none.fnr")}).status, cli::kUnreadable);
+
+    EXPECT_EQ(run({}).status, cli::kUsage);
+    EXPECT_EQ(run({"frobnicate", cut}).status, cli::kUsage);
+    EXPECT_EQ(run({"info"}).status, cli::kUsage);
+    EXPECT_EQ(run({"info", cut, "--bogus"}).status, cli::kUsage);
+    EXPECT_EQ(run({"generate", cut}).status, cli::kUsage);
+    EXPECT_EQ(run({"generate", cut, "--operations", "12x"}).status, cli::kUsage);
+    EXPECT_EQ(run({"generate", cut, "--operations", "-5"}).status, cli::kUsage);
+    const CliResult badNow = run({"--now", "2024-02-30 10:00:00", "new", path("n.fnr")});
+    EXPECT_EQ(badNow.status, cli::kUsage);
+    EXPECT_FALSE(fs::exists(path("n.fnr")));
+    const CliResult help = run({"--help"});
+    EXPECT_EQ(help.status, 0);
+    EXPECT_NE(help.out.find("generate FILE --operations N"), std::string::npos);
+}
+
+TEST_F(CliTest, ALockedLedgerShowsItsOperationsOnlyForTheRightPassword)
+{
+    Ledger l = test::sampleLedger();
+    l.lockText = "13340520280"; // the digest of "secret"
+    const std::string file = path("locked.fnr");
+    write(file, serializeLedger(l));
+    EXPECT_EQ(run({"dump", file, "--json"}).status, cli::kLocked);
+    EXPECT_EQ(run({"dump", file, "--json", "--password", "wrong"}).status, cli::kLocked);
+    const CliResult ok = run({"dump", file, "--json", "--password=secret"});
+    EXPECT_EQ(ok.status, 0) << ok.err;
+    EXPECT_NE(ok.out.find("\"lock_text\":\"13340520280\""), std::string::npos);
+    // Counts are no secret.
+    const CliResult info = run({"info", file, "--json"});
+    EXPECT_EQ(info.status, 0);
+    EXPECT_NE(info.out.find("\"locked\":true"), std::string::npos);
+}
+
+TEST_F(CliTest, DumpPrintsEveryRecordWithTextsInUtf8AndExactNumbers)
+{
+    Ledger l;
+    l.categories.append(Category(1, cp1251::fromUtf8OrThrow("Храна \"вкъщи\""), 0));
+    for (std::size_t n : {254u, 255u, 65533u, 65534u, 70000u}) {
+        l.operations.append(Operation(static_cast<std::int32_t>(n), DateTime(45000.125, 0),
+                                      std::string(n, '\xE4'), kIncome, 1, 0.1, 0, 0.30000000000000004,
+                                      "", DateTime(1.5, 2), 1, 0));
+    }
+    const std::string file = path("strings.fnr");
+    write(file, serializeLedger(l));
+    const CliResult r = run({"dump", file, "--json"});
+    ASSERT_EQ(r.status, 0) << r.err;
+    EXPECT_NE(r.out.find(R"({"id":1,"name":"Храна \"вкъщи\"","parent":0})"), std::string::npos);
+    for (std::size_t n : {254u, 255u, 65533u, 65534u, 70000u}) {
+        std::string d;
+        for (std::size_t i = 0; i < n; ++i) {
+            d += "д";
+        }
+        EXPECT_NE(r.out.find("\"id\":" + std::to_string(n) + ",\"date\":{\"status\":0,\"days\":45000.125},"
+                             "\"description\":\"" + d + "\""),
+                  std::string::npos)
+            << n;
+    }
+    EXPECT_NE(r.out.find(R"("amount":0.1,"currency":0,"amount_bgl":0.30000000000000004)"),
+              std::string::npos);
+    EXPECT_NE(r.out.find(R"("last_modified":{"status":2,"days":1.5})"), std::string::npos);
+    // And the strings come back whole through convert.
+    ASSERT_EQ(run({"convert", file, "-o", path("copy.fnr")}).status, 0);
+    EXPECT_EQ(read(path("copy.fnr")), read(file));
+}
+
+TEST_F(CliTest, TheUsersOptionsAreReadButNeverWritten)
+{
+    settings.writeText("Settings", "BackupDir", pathToUtf8(dir / "nowhere") + "/");
+    const std::size_t writes = settings.writeCount();
+    const std::string file = path("a.fnr");
+    ASSERT_EQ(run({"new", file}).status, 0);
+    EXPECT_FALSE(fs::exists(file + ".bak")); // BackupDir was honoured
+    EXPECT_EQ(run({"info", file}).status, 0);
+    EXPECT_EQ(settings.writeCount(), writes);
+    EXPECT_FALSE(settings.contains("Settings", "LastFileUsed"));
+}
