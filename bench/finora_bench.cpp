@@ -1,0 +1,180 @@
+// Speed of the operations a user waits for, at 10k, 100k and 1M operations.
+#include "demo/ledger_generator.h"
+#include "model/finora_doc.h"
+#include "model/recording_prompter.h"
+#include "settings/memory_settings_store.h"
+#include "storage/document_storage.h"
+#include "storage/file_io.h"
+
+#include <benchmark/benchmark.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <numeric>
+#include <random>
+
+using namespace finora;
+namespace fs = std::filesystem;
+
+namespace {
+
+const FixedClock kClock(DateTime::fromParts(2026, 11, 1, 12, 0, 0));
+
+class NoHost final : public DocumentHost {
+public:
+    std::optional<std::string> chooseSavePath() override { return std::nullopt; }
+    void exitProgram(int) override {}
+};
+
+fs::path benchDir()
+{
+    static const fs::path dir = [] {
+        fs::path d = fs::temp_directory_path() / "finora-bench";
+        fs::create_directories(d);
+        return d;
+    }();
+    return dir;
+}
+
+// A generated ledger file of `n` operations, made once per run.
+std::string ledgerFile(std::int64_t n)
+{
+    static std::map<std::int64_t, std::string> made;
+    auto it = made.find(n);
+    if (it != made.end()) {
+        return it->second;
+    }
+    const std::string path = pathToUtf8(benchDir() / ("ledger-" + std::to_string(n) + ".fnr"));
+    writeFile(path, serializeLedger(generateLedger(n, 42)));
+    return made[n] = path;
+}
+
+// Resident memory of this process in bytes (Linux; 0 elsewhere).
+double residentBytes()
+{
+    std::ifstream statm("/proc/self/statm");
+    double pages = 0, resident = 0;
+    statm >> pages >> resident;
+    return resident * 4096.0;
+}
+
+Operation sampleOperation(int i)
+{
+    return Operation(0, DateTime(45000.0 + i / 4000.0, DateTime::Valid), "Description of a purchase",
+                     kExpense, 1 + i % 60, 12.5, i % 4, 12.5, i % 5 == 0 ? "notes" : "", DateTime(),
+                     1, 0);
+}
+
+void BM_AddOperations(benchmark::State& state)
+{
+    const auto n = static_cast<int>(state.range(0));
+    for (auto _ : state) {
+        CFinoraDoc doc(kClock);
+        for (int i = 0; i < n; ++i) {
+            doc.addOperation(sampleOperation(i));
+        }
+        benchmark::DoNotOptimize(doc.operationCount());
+        state.PauseTiming(); // the teardown is not what a user waits for
+        doc.clear();
+        state.ResumeTiming();
+    }
+    state.SetItemsProcessed(state.iterations() * n);
+}
+
+void BM_DeleteAllByIdInRandomOrder(benchmark::State& state)
+{
+    const auto n = static_cast<int>(state.range(0));
+    std::vector<std::int32_t> ids(static_cast<std::size_t>(n));
+    std::iota(ids.begin(), ids.end(), 1);
+    std::shuffle(ids.begin(), ids.end(), std::mt19937(5));
+    for (auto _ : state) {
+        state.PauseTiming();
+        CFinoraDoc doc(kClock);
+        for (int i = 0; i < n; ++i) {
+            doc.addOperation(sampleOperation(i));
+        }
+        state.ResumeTiming();
+        for (std::int32_t id : ids) {
+            doc.deleteOperation(id);
+        }
+        benchmark::DoNotOptimize(doc.operationCount());
+    }
+    state.SetItemsProcessed(state.iterations() * n);
+}
+
+void BM_ReadFileBytes(benchmark::State& state)
+{
+    const std::string path = ledgerFile(state.range(0));
+    for (auto _ : state) {
+        std::string bytes;
+        readWholeFile(path, bytes);
+        benchmark::DoNotOptimize(bytes.data());
+    }
+    state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(fs::file_size(path)));
+}
+
+void BM_Open(benchmark::State& state)
+{
+    const std::string path = ledgerFile(state.range(0));
+    MemorySettingsStore store;
+    Settings settings(store);
+    RecordingPrompter prompter;
+    NoHost host;
+    BackupWriter backups;
+    const double fileSize = static_cast<double>(fs::file_size(path));
+    double growth = 0;
+    for (auto _ : state) {
+        state.PauseTiming();
+        auto doc = std::make_unique<CFinoraDoc>(kClock);
+        DocumentStorage storage(*doc, settings, prompter, host, backups);
+        const double before = residentBytes();
+        state.ResumeTiming();
+        if (storage.open(path) != DocumentStorage::OpenResult::Opened) {
+            state.SkipWithError("open failed");
+        }
+        state.PauseTiming();
+        growth = std::max(growth, residentBytes() - before);
+        doc.reset();
+        state.ResumeTiming();
+    }
+    state.counters["memory_per_file_byte"] = growth / fileSize;
+    state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(fileSize));
+}
+
+void BM_SaveWithBackup(benchmark::State& state)
+{
+    const std::string source = ledgerFile(state.range(0));
+    const std::string target = pathToUtf8(benchDir() / ("saved-" + std::to_string(state.range(0)) + ".fnr"));
+    MemorySettingsStore store;
+    Settings settings(store);
+    RecordingPrompter prompter;
+    NoHost host;
+    BackupWriter backups;
+    CFinoraDoc doc(kClock);
+    DocumentStorage storage(doc, settings, prompter, host, backups);
+    storage.open(source);
+    for (auto _ : state) {
+        if (!storage.save(target)) {
+            state.SkipWithError("save failed");
+        }
+        backups.waitIdle(); // the backup is part of the work
+    }
+    state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(fs::file_size(target)));
+}
+
+void sizes(benchmark::internal::Benchmark* b)
+{
+    b->Arg(10'000)->Arg(100'000)->Arg(1'000'000)->Unit(benchmark::kMillisecond)->UseRealTime();
+}
+
+} // namespace
+
+BENCHMARK(BM_AddOperations)->Apply(sizes);
+BENCHMARK(BM_DeleteAllByIdInRandomOrder)->Apply(sizes);
+BENCHMARK(BM_ReadFileBytes)->Apply(sizes);
+BENCHMARK(BM_Open)->Apply(sizes);
+BENCHMARK(BM_SaveWithBackup)->Apply(sizes);
+
+BENCHMARK_MAIN();

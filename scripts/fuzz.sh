@@ -1,0 +1,36 @@
+#!/usr/bin/env bash
+# Builds the fuzz targets with clang and runs each for the given number of seconds (default 60)
+# on a seed corpus of ledgers made by finora-cli. Usage: scripts/fuzz.sh [seconds] [target...]
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+seconds=${1:-60}
+shift || true
+targets=("$@")
+if ((${#targets[@]} == 0)); then
+  targets=(fuzz_ledger_reader fuzz_streaming_reader)
+fi
+
+if ! command -v clang++ >/dev/null; then
+  echo "fuzz: clang++ is not installed; skipping the fuzz run"
+  exit 0
+fi
+
+cmake --preset fuzz >/dev/null
+cmake --build --preset fuzz
+
+cli=build/fuzz/src/cli/finora-cli
+seeds=build/fuzz/seeds
+mkdir -p "$seeds"
+"$cli" new "$seeds/empty.fnr" --force >/dev/null
+"$cli" generate "$seeds/small.fnr" --operations 12 --seed 3 >/dev/null
+"$cli" generate "$seeds/medium.fnr" --operations 300 --seed 4 >/dev/null
+rm -f "$seeds"/*.bak
+
+for target in "${targets[@]}"; do
+  corpus=build/fuzz/corpus/$target
+  mkdir -p "$corpus"
+  echo "fuzz: $target for ${seconds}s"
+  "build/fuzz/fuzz/$target" "$corpus" "$seeds" -max_total_time="$seconds" -rss_limit_mb=2048 \
+    -max_len=65536 -timeout=10 -print_final_stats=1 2>&1 | tail -n 12
+done

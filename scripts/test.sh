@@ -1,0 +1,27 @@
+#!/usr/bin/env bash
+# Installs what is missing, builds, and runs every test: the suite as released, the same suite
+# under AddressSanitizer + UndefinedBehaviorSanitizer, the threaded storage tests under
+# ThreadSanitizer, and each fuzz target for a minute when clang is there.
+# FINORA_QUICK=1 runs the first of these only.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+scripts/install-deps.sh
+
+run_preset() {
+  echo "== $1"
+  cmake --preset "$1" >/dev/null
+  cmake --build --preset "$1"
+  ctest --preset "$1" --parallel "$(nproc)" "${@:2}"
+}
+
+run_preset default
+
+if [[ "${FINORA_QUICK:-0}" != 1 ]]; then
+  run_preset asan
+  # The storage tests are the ones with a second thread (the backup writer).
+  run_preset tsan -R 'Storage|Backup|Cli'
+  scripts/fuzz.sh "${FINORA_FUZZ_SECONDS:-60}"
+  # The last word is the whole suite's, as released.
+  ctest --preset default --parallel "$(nproc)" | tail -n 3
+fi
