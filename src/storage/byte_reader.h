@@ -37,6 +37,8 @@ class ByteReader {
 public:
     // Reads a buffer the caller keeps alive.
     explicit ByteReader(std::string_view bytes);
+    // A temporary would be gone before the first read.
+    explicit ByteReader(std::string&&) = delete;
     // Streams `totalSize` bytes from `source` through a small buffer, so that opening a large
     // file never holds all of its bytes at once.
     ByteReader(ByteSource& source, std::uint64_t totalSize);

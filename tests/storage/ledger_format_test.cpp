@@ -79,7 +79,8 @@ TEST(ByteStream, WideStringsAreReadAsWindows1251)
 {
     // 0xFF 0xFFFE marks UTF-16 text; its length follows in the usual form, in characters.
     std::string text;
-    ByteReader shortForm(std::string("\xFF\xFE\xFF\x04\x10\x04\x31\x04\x32\x04\xE5\x65", 12));
+    const std::string shortBytes("\xFF\xFE\xFF\x04\x10\x04\x31\x04\x32\x04\xE5\x65", 12);
+    ByteReader shortForm(shortBytes);
     ASSERT_TRUE(shortForm.readString(text));
     EXPECT_EQ(cp1251::toUtf8(text), "Абв?");
 
@@ -91,21 +92,25 @@ TEST(ByteStream, WideStringsAreReadAsWindows1251)
     ASSERT_TRUE(longReader.readString(text));
     EXPECT_EQ(text, std::string(300, '\xC4'));
 
-    ByteReader twice(std::string("\xFF\xFE\xFF\xFF\xFE\xFF\x00", 7));
+    const std::string twiceBytes("\xFF\xFE\xFF\xFF\xFE\xFF\x00", 7);
+    ByteReader twice(twiceBytes);
     EXPECT_FALSE(twice.readString(text));
-    ByteReader oddBytes(std::string("\xFF\xFE\xFF\x02\x10\x04\x31", 7));
+    const std::string odd("\xFF\xFE\xFF\x02\x10\x04\x31", 7);
+    ByteReader oddBytes(odd);
     EXPECT_FALSE(oddBytes.readString(text));
 }
 
 TEST(ByteStream, LengthsBeyondTheDataFailWithoutAllocatingThem)
 {
     std::string text = "kept";
-    ByteReader huge(std::string("\xFF\xFF\xFF\xFF\xFF\xFF\x7F" "abc", 10));
+    const std::string hugeBytes("\xFF\xFF\xFF\xFF\xFF\xFF\x7F" "abc", 10);
+    ByteReader huge(hugeBytes);
     EXPECT_FALSE(huge.readString(text));
     EXPECT_TRUE(huge.failed());
     std::int32_t n = 0;
     EXPECT_FALSE(huge.readInt32(n)); // the failure sticks
-    ByteReader shortInt(std::string("\x01\x02\x03", 3));
+    const std::string threeBytes("\x01\x02\x03", 3);
+    ByteReader shortInt(threeBytes);
     EXPECT_FALSE(shortInt.readInt32(n));
 }
 
