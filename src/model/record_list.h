@@ -16,16 +16,12 @@ namespace finora {
 // when a file carries duplicate ids), so each id keeps a chain of its occurrences in order and a
 // removal just advances the chain head. Removed records leave a hole that iteration skips; the
 // holes are squeezed out once they outnumber the records, which keeps both removal and iteration
-// amortised linear. Appending or removing invalidates iterators and pointers.
+// amortised linear, and bounds the memory held by removed records to that of the live ones. Appending or removing invalidates iterators and pointers.
 template <class T>
 class RecordList {
     static constexpr std::int32_t kNoNext = -1;
     static constexpr std::int32_t kRemoved = -2;
 
-    struct Slot {
-        T value;
-        std::int32_t nextSameId; // next occurrence of the same id, kNoNext, or kRemoved
-    };
 
 public:
     class const_iterator {
@@ -37,13 +33,13 @@ public:
         using reference = const T&;
 
         const_iterator() = default;
-        reference operator*() const { return (*m_slots)[m_pos].value; }
-        pointer operator->() const { return &(*m_slots)[m_pos].value; }
+        reference operator*() const { return (*m_records)[m_pos]; }
+        pointer operator->() const { return &(*m_records)[m_pos]; }
         const_iterator& operator++()
         {
             do {
                 ++m_pos;
-            } while (m_pos < m_slots->size() && (*m_slots)[m_pos].nextSameId == kRemoved);
+            } while (m_pos < m_links->size() && (*m_links)[m_pos] == kRemoved);
             return *this;
         }
         const_iterator operator++(int)
@@ -56,7 +52,7 @@ public:
         {
             do {
                 --m_pos;
-            } while ((*m_slots)[m_pos].nextSameId == kRemoved);
+            } while ((*m_links)[m_pos] == kRemoved);
             return *this;
         }
         const_iterator operator--(int)
@@ -69,10 +65,12 @@ public:
 
     private:
         friend class RecordList;
-        const_iterator(const std::vector<Slot>* slots, std::size_t pos) : m_slots(slots), m_pos(pos)
+        const_iterator(const RecordList* list, std::size_t pos)
+            : m_records(&list->m_records), m_links(&list->m_links), m_pos(pos)
         {
         }
-        const std::vector<Slot>* m_slots = nullptr;
+        const std::vector<T>* m_records = nullptr;
+        const std::vector<std::int32_t>* m_links = nullptr;
         std::size_t m_pos = 0;
     };
     using const_reverse_iterator = std::reverse_iterator<const_iterator>;
@@ -80,12 +78,12 @@ public:
     const_iterator begin() const
     {
         std::size_t pos = 0;
-        while (pos < m_slots.size() && m_slots[pos].nextSameId == kRemoved) {
+        while (pos < m_links.size() && m_links[pos] == kRemoved) {
             ++pos;
         }
-        return const_iterator(&m_slots, pos);
+        return const_iterator(this, pos);
     }
-    const_iterator end() const { return const_iterator(&m_slots, m_slots.size()); }
+    const_iterator end() const { return const_iterator(this, m_links.size()); }
     const_reverse_iterator rbegin() const { return const_reverse_iterator(end()); }
     const_reverse_iterator rend() const { return const_reverse_iterator(begin()); }
 
@@ -95,7 +93,7 @@ public:
     const T* find(std::int32_t id) const
     {
         const IdIndex::Entry* e = m_index.find(id);
-        return e ? &m_slots[static_cast<std::size_t>(e->first)].value : nullptr;
+        return e ? &m_records[static_cast<std::size_t>(e->first)] : nullptr;
     }
     // The caller may change anything but the id.
     T* findMutable(std::int32_t id)
@@ -116,9 +114,10 @@ public:
 
     void append(T value)
     {
-        const auto pos = static_cast<std::int32_t>(m_slots.size());
+        const auto pos = static_cast<std::int32_t>(m_records.size());
         const std::int32_t id = value.id();
-        m_slots.push_back(Slot{std::move(value), kNoNext});
+        m_records.push_back(std::move(value));
+        m_links.push_back(kNoNext);
         link(id, pos);
         ++m_size;
     }
@@ -130,16 +129,18 @@ public:
         if (!e) {
             return false;
         }
-        Slot& slot = m_slots[static_cast<std::size_t>(e->first)];
-        if (slot.nextSameId == kNoNext) {
+        std::int32_t& link = m_links[static_cast<std::size_t>(e->first)];
+        if (link == kNoNext) {
             m_index.erase(id);
         } else {
-            e->first = slot.nextSameId;
+            e->first = link;
         }
-        slot.value = T{};
-        slot.nextSameId = kRemoved;
+        // Only the small link array is touched: the record itself is released by the next
+        // compaction, which walks the records in order, where touching it here would cost a
+        // cache miss per removal in a large list.
+        link = kRemoved;
         --m_size;
-        const std::size_t holes = m_slots.size() - m_size;
+        const std::size_t holes = m_links.size() - m_size;
         if (holes > m_size && holes >= 64) {
             compact();
         }
@@ -148,15 +149,18 @@ public:
 
     void clear()
     {
-        m_slots.clear();
-        m_slots.shrink_to_fit();
+        m_records.clear();
+        m_records.shrink_to_fit();
+        m_links.clear();
+        m_links.shrink_to_fit();
         m_index.clear();
         m_size = 0;
     }
 
     void reserve(std::size_t count)
     {
-        m_slots.reserve(count);
+        m_records.reserve(count);
+        m_links.reserve(count);
         m_index.reserve(count);
     }
 
@@ -164,32 +168,40 @@ private:
     void link(std::int32_t id, std::int32_t pos)
     {
         IdIndex::Entry& e = m_index.findOrInsert(id);
-        if (e.first == IdIndex::kEmpty) {
+        if (e.first == IdIndex::kPending) {
             e.first = pos;
         } else {
-            m_slots[static_cast<std::size_t>(e.last)].nextSameId = pos;
+            m_links[static_cast<std::size_t>(e.last)] = pos;
         }
         e.last = pos;
     }
 
+    // Moves the records down over the holes in place: no new memory, one pass in order.
     void compact()
     {
-        std::vector<Slot> kept;
-        kept.reserve(m_size);
-        for (Slot& slot : m_slots) {
-            if (slot.nextSameId != kRemoved) {
-                kept.push_back(Slot{std::move(slot.value), kNoNext});
+        std::size_t kept = 0;
+        for (std::size_t pos = 0; pos < m_records.size(); ++pos) {
+            if (m_links[pos] != kRemoved) {
+                if (kept != pos) {
+                    m_records[kept] = std::move(m_records[pos]);
+                }
+                ++kept;
             }
         }
-        m_slots = std::move(kept);
-        m_index.clear();
-        m_index.reserve(m_slots.size());
-        for (std::size_t pos = 0; pos < m_slots.size(); ++pos) {
-            link(m_slots[pos].value.id(), static_cast<std::int32_t>(pos));
+        m_records.resize(kept);
+        m_links.assign(kept, kNoNext);
+        if (m_records.capacity() > 4 * kept + 1024) { // most of the list is gone: give it back
+            m_records.shrink_to_fit();
+            m_links.shrink_to_fit();
+        }
+        m_index.reset();
+        for (std::size_t pos = 0; pos < kept; ++pos) {
+            link(m_records[pos].id(), static_cast<std::int32_t>(pos));
         }
     }
 
-    std::vector<Slot> m_slots;
+    std::vector<T> m_records;
+    std::vector<std::int32_t> m_links; // per record: next record with its id, kNoNext, or kRemoved
     IdIndex m_index;
     std::size_t m_size = 0;
 };

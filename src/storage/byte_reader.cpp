@@ -12,19 +12,6 @@ namespace {
 
 constexpr std::size_t kChunk = 1 << 20;
 
-template <class T>
-T fromLittleEndian(const char* p)
-{
-    T value;
-    std::memcpy(&value, p, sizeof value);
-    if constexpr (std::endian::native == std::endian::big) {
-        auto bytes = std::bit_cast<std::array<unsigned char, sizeof(T)>>(value);
-        std::reverse(bytes.begin(), bytes.end());
-        value = std::bit_cast<T>(bytes);
-    }
-    return value;
-}
-
 } // namespace
 
 ByteReader::ByteReader(std::string_view bytes)
@@ -96,8 +83,7 @@ bool ByteReader::readUInt16(std::uint16_t& value)
     if (!ensure(2)) {
         return false;
     }
-    value = fromLittleEndian<std::uint16_t>(m_pos);
-    m_pos += 2;
+    value = load<std::uint16_t>();
     return true;
 }
 
@@ -106,28 +92,7 @@ bool ByteReader::readUInt32(std::uint32_t& value)
     if (!ensure(4)) {
         return false;
     }
-    value = fromLittleEndian<std::uint32_t>(m_pos);
-    m_pos += 4;
-    return true;
-}
-
-bool ByteReader::readInt32(std::int32_t& value)
-{
-    std::uint32_t raw = 0;
-    if (!readUInt32(raw)) {
-        return false;
-    }
-    value = static_cast<std::int32_t>(raw);
-    return true;
-}
-
-bool ByteReader::readDouble(double& value)
-{
-    if (!ensure(8)) {
-        return false;
-    }
-    value = std::bit_cast<double>(fromLittleEndian<std::uint64_t>(m_pos));
-    m_pos += 8;
+    value = load<std::uint32_t>();
     return true;
 }
 
@@ -196,7 +161,8 @@ bool ByteReader::readString(std::string& value)
     }
     std::u16string text(static_cast<std::size_t>(length), u'\0');
     for (std::size_t i = 0; i < text.size(); ++i) {
-        text[i] = fromLittleEndian<char16_t>(raw.data() + 2 * i);
+        text[i] = static_cast<char16_t>(static_cast<unsigned char>(raw[2 * i]) |
+                                        (static_cast<unsigned char>(raw[2 * i + 1]) << 8));
     }
     value = cp1251::fromUtf16(text);
     return true;

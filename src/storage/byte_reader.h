@@ -2,8 +2,12 @@
 
 #include "model/date_time.h"
 
+#include <algorithm>
+#include <array>
+#include <bit>
 #include <cstdint>
 #include <cstdio>
+#include <cstring>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -43,8 +47,23 @@ public:
     // file never holds all of its bytes at once.
     ByteReader(ByteSource& source, std::uint64_t totalSize);
 
-    bool readInt32(std::int32_t& value);
-    bool readDouble(double& value);
+    // The fixed-size reads take the fast path inline: they run a dozen times per record.
+    bool readInt32(std::int32_t& value)
+    {
+        if (available() < 4 && !ensure(4)) {
+            return false;
+        }
+        value = static_cast<std::int32_t>(load<std::uint32_t>());
+        return true;
+    }
+    bool readDouble(double& value)
+    {
+        if (available() < 8 && !ensure(8)) {
+            return false;
+        }
+        value = std::bit_cast<double>(load<std::uint64_t>());
+        return true;
+    }
     bool readDateTime(DateTime& value);
     // Windows-1251 text; the wide-text form (0xFF 0xFFFE, a length, UTF-16LE) is converted.
     bool readString(std::string& value);
@@ -59,6 +78,25 @@ public:
 
 private:
     std::size_t available() const { return static_cast<std::size_t>(m_end - m_pos); }
+    // Takes the next sizeof(T) bytes, which the caller has made sure are there, as little-endian.
+    template <class T>
+    T load()
+    {
+        T value;
+        std::memcpy(&value, m_pos, sizeof value);
+        m_pos += sizeof value;
+        if constexpr (std::endian::native == std::endian::big) {
+            value = byteSwap(value);
+        }
+        return value;
+    }
+    template <class T>
+    static T byteSwap(T value)
+    {
+        auto bytes = std::bit_cast<std::array<unsigned char, sizeof(T)>>(value);
+        std::reverse(bytes.begin(), bytes.end());
+        return std::bit_cast<T>(bytes);
+    }
     // True when `size` bytes (at most the buffer's capacity) are available, refilling as needed.
     bool ensure(std::size_t size);
     bool readBytes(char* out, std::size_t size);
