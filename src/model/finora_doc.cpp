@@ -244,8 +244,24 @@ void CFinoraDoc::replaceLedger(Ledger ledger)
 void CFinoraDoc::changed(ChangeKind kind)
 {
     m_modified = true;
+    if (m_batchDepth > 0) {
+        // Deleting everything saves through the ordinary save command; that wins in a batch.
+        if (!m_changePending || kind == ChangeKind::DeleteAll) {
+            m_pendingKind = kind;
+        }
+        m_changePending = true;
+        return;
+    }
     if (m_onChange) {
         m_onChange(kind);
+    }
+}
+
+CFinoraDoc::ChangeBatch::~ChangeBatch()
+{
+    if (--m_doc.m_batchDepth == 0 && m_doc.m_changePending) {
+        m_doc.m_changePending = false;
+        m_doc.changed(m_doc.m_pendingKind);
     }
 }
 

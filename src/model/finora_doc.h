@@ -85,6 +85,20 @@ public:
     // Called after every successful change, once the document is marked modified.
     void setChangeHandler(ChangeHandler handler) { m_onChange = std::move(handler); }
 
+    // While one lives, changes are collected and the handler hears of them once, when the last
+    // batch ends: deleting a thousand rows with auto-save on then writes the file once, not a
+    // thousand times. The file ends up the same.
+    class ChangeBatch {
+    public:
+        explicit ChangeBatch(CFinoraDoc& doc) : m_doc(doc) { ++m_doc.m_batchDepth; }
+        ~ChangeBatch();
+        ChangeBatch(const ChangeBatch&) = delete;
+        ChangeBatch& operator=(const ChangeBatch&) = delete;
+
+    private:
+        CFinoraDoc& m_doc;
+    };
+
 private:
     void changed(ChangeKind kind = ChangeKind::Ordinary);
 
@@ -94,6 +108,9 @@ private:
     bool m_modified = false;
     std::int32_t m_unlocked = 0;
     ChangeHandler m_onChange;
+    int m_batchDepth = 0;
+    bool m_changePending = false;
+    ChangeKind m_pendingKind = ChangeKind::Ordinary;
 };
 
 } // namespace finora
