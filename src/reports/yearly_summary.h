@@ -1,0 +1,22 @@
+#pragma once
+
+#include "model/finora_doc.h"
+
+#include <array>
+
+namespace finora {
+
+// A year's income and expense month by month, in BGL, from every operation of the ledger.
+struct YearlySummary {
+    double maximum = 0.0; // the running maximum of the monthly sums as they grow
+    double yearIncome = 0.0;
+    double yearExpense = 0.0;
+    std::array<double, 12> income{};
+    std::array<double, 12> expense{};
+};
+
+// Fills `summary` for `year` and returns whether the maximum is not zero. A ledger without
+// operations returns false at once and leaves `summary` as it was.
+bool computeYearlySummary(const CFinoraDoc& doc, int year, YearlySummary& summary);
+
+} // namespace finora
