@@ -111,8 +111,11 @@ bool DateTime::isSameDay(const DateTime& other) const
 {
     DateTimeParts a;
     DateTimeParts b;
-    if (!toParts(a) || !other.toParts(b)) {
-        return false;
+    const bool hasA = toParts(a);
+    const bool hasB = other.toParts(b);
+    // Dates that have no calendar day all read as the same error day, so they are alike.
+    if (!hasA || !hasB) {
+        return hasA == hasB;
     }
     return a.year == b.year && a.month == b.month && a.day == b.day;
 }

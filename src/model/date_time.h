@@ -45,6 +45,7 @@ public:
     // valid or its day value lies outside the range.
     bool toParts(DateTimeParts& parts) const;
 
+    // Year, month and day agree. Two date-times without a calendar day count as the same day.
     bool isSameDay(const DateTime& other) const;
 
     // The three text forms; a date-time that is not valid gives an empty text.

@@ -39,6 +39,8 @@ public:
     // A copy of the first operation with the id, or an empty record with id 0.
     Operation operation(std::int32_t id) const;
     std::size_t operationCount() const { return m_ledger.operations.size(); }
+    // Room for this many operations: until then adding moves no record in memory.
+    void reserveOperations(std::size_t count) { m_ledger.operations.reserve(count); }
 
     // --- changes
     bool addCategory(std::string name, std::int32_t parentId);

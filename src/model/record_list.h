@@ -157,10 +157,12 @@ public:
         m_size = 0;
     }
 
+    // Room for `count` records: until the list holds that many, appending moves nothing.
     void reserve(std::size_t count)
     {
-        m_records.reserve(count);
-        m_links.reserve(count);
+        const std::size_t holes = m_records.size() - m_size;
+        m_records.reserve(count + holes);
+        m_links.reserve(count + holes);
         m_index.reserve(count);
     }
 

@@ -143,6 +143,7 @@ TEST(DateTime, ComparesByDayValueAndTestsTheSameDay)
     EXPECT_TRUE(morning.isSameDay(evening));
     EXPECT_FALSE(evening.isSameDay(nextMidnight));
     EXPECT_FALSE(DateTime::fromParts(2004, 3, 5).isSameDay(DateTime::fromParts(2003, 3, 5)));
-    EXPECT_FALSE(DateTime(38051.0, DateTime::Null).isSameDay(DateTime(38051.0, DateTime::Null)));
+    EXPECT_TRUE(DateTime(38051.0, DateTime::Null).isSameDay(DateTime(1.0, DateTime::Invalid)));
+    EXPECT_FALSE(DateTime(38051.0, DateTime::Null).isSameDay(DateTime::fromParts(2004, 3, 5)));
     EXPECT_NE(DateTime(38051.0, DateTime::Valid), DateTime(38051.0, DateTime::Invalid));
 }

@@ -1,0 +1,194 @@
+#include "storage/ledger_import.h"
+
+#include "storage/byte_reader.h"
+#include "storage/ledger_format.h"
+#include "text/cp1251.h"
+
+#include <bit>
+#include <cmath>
+#include <unordered_map>
+#include <unordered_set>
+
+namespace finora {
+namespace {
+
+// Two operations are the same entry when day, description, type, amount, currency, amount in
+// BGL and notes all agree; category, paid flag, times and ids do not count.
+bool sameEntry(const Operation& a, const Operation& b)
+{
+    return a.type() == b.type() && a.currencyId() == b.currencyId() && a.amount() == b.amount() &&
+           a.amountBgl() == b.amountBgl() && a.description() == b.description() &&
+           a.notes() == b.notes() && a.date().isSameDay(b.date());
+}
+
+std::uint64_t mix(std::uint64_t h, std::uint64_t v)
+{
+    h ^= v + 0x9E3779B97F4A7C15ULL + (h << 6) + (h >> 2);
+    return h;
+}
+
+// Equal doubles must hash alike: 0.0 and -0.0 are equal.
+std::uint64_t doubleBits(double d)
+{
+    return d == 0.0 ? 0 : std::bit_cast<std::uint64_t>(d);
+}
+
+struct EntryHash {
+    std::size_t operator()(const Operation* op) const
+    {
+        DateTimeParts p;
+        std::uint64_t h = op->date().toParts(p)
+                              ? static_cast<std::uint64_t>(p.year * 10000 + p.month * 100 + p.day)
+                              : 0;
+        h = mix(h, static_cast<std::uint64_t>(op->type()));
+        h = mix(h, static_cast<std::uint64_t>(op->currencyId()));
+        h = mix(h, doubleBits(op->amount()));
+        h = mix(h, doubleBits(op->amountBgl()));
+        h = mix(h, std::hash<std::string>()(op->description()));
+        h = mix(h, std::hash<std::string>()(op->notes()));
+        return static_cast<std::size_t>(h);
+    }
+};
+
+struct EntryEqual {
+    bool operator()(const Operation* a, const Operation* b) const { return sameEntry(*a, *b); }
+};
+
+// Name and parent's name of a category, as the two trees are compared.
+struct CategoryPlace {
+    std::string name;
+    bool topLevel;
+    std::string parentName;
+    bool operator==(const CategoryPlace&) const = default;
+};
+
+CategoryPlace placeOf(const Category& c, const RecordList<Category>& list)
+{
+    if (c.parentId() == 0) {
+        return {c.name(), true, {}};
+    }
+    const Category* parent = list.find(c.parentId());
+    return {c.name(), false, parent ? parent->name() : std::string()};
+}
+
+// The open ledger's category in the same place, or 0.
+std::int32_t categoryAt(const CategoryPlace& place, const RecordList<Category>& list)
+{
+    const Category* match = list.findIf([&](const Category& c) { return placeOf(c, list) == place; });
+    return match ? match->id() : 0;
+}
+
+std::string importCategoryName(const DateTime& now)
+{
+    DateTimeParts p;
+    now.toParts(p);
+    return cp1251::fromUtf8OrThrow("Импорт-") + std::to_string(p.year) + std::to_string(p.month) +
+           std::to_string(p.day) + std::to_string(p.hour) + std::to_string(p.minute) +
+           std::to_string(p.second);
+}
+
+} // namespace
+
+ImportResult importLedger(CFinoraDoc& doc, std::string_view bytes, Prompter& prompter)
+{
+    ImportResult result;
+    Ledger other;
+    ByteReader reader(bytes);
+    const ReadResult read = readLedger(reader, other, [](double) { return true; });
+    if (read.status != ReadStatus::Ok) {
+        result.status = read.status == ReadStatus::Newer ? ImportResult::Status::Newer
+                                                         : ImportResult::Status::Unreadable;
+        result.message = read.status == ReadStatus::Newer
+                             ? "Файлът е създаден от по-нова версия на Finora и не може да бъде "
+                               "импортиран."
+                             : "Файлът не е документ на Finora или е повреден; нищо не е импортирано.";
+        prompter.error(result.message);
+        return result;
+    }
+
+    // Every imported category needs its place in the open ledger; one that is missing, or an
+    // operation filed under no known category, sends the whole import into a new category.
+    const auto& ours = doc.ledger().categories;
+    std::unordered_map<std::int32_t, std::int32_t> categoryMap;
+    bool treesMatch = true;
+    for (const Category& c : other.categories) {
+        const std::int32_t target = categoryAt(placeOf(c, other.categories), ours);
+        if (target == 0) {
+            treesMatch = false;
+            break;
+        }
+        categoryMap.emplace(c.id(), target);
+    }
+    for (const Operation& op : other.operations) {
+        if (!treesMatch || categoryMap.count(op.categoryId()) == 0) {
+            treesMatch = false;
+            break;
+        }
+    }
+
+    CFinoraDoc::ChangeBatch batch(doc);
+    std::int32_t importCategory = 0;
+    if (!treesMatch) {
+        const std::string name = importCategoryName(doc.clock().now());
+        doc.addCategory(name, 0); // refused for a second import within the same second, which
+                                  // then shares the first one's category
+        const Category* made = ours.findIf([&](const Category& c) { return c.parentId() == 0 && c.name() == name; });
+        importCategory = made ? made->id() : 0;
+        result.importCategory = name;
+        prompter.warn(kImportMismatchText, kImportMismatchCaption);
+    }
+
+    // Currencies by name; the main currency is "BGL" on both sides.
+    std::unordered_map<std::int32_t, std::int32_t> currencyMap{{0, 0}, {-1, 0}};
+    for (const Currency& c : other.currencies) {
+        if (currencyMap.count(c.id())) {
+            continue; // a repeated id means its first record
+        }
+        std::int32_t id = doc.currencyId(c.name());
+        if (id == -1 && doc.addCurrency(c.name())) {
+            id = doc.ledger().counters.nextCurrencyId;
+        }
+        currencyMap.emplace(c.id(), id);
+    }
+
+    // The open ledger's entries, and each one added, in a hash set: one lookup per import.
+    doc.reserveOperations(doc.operationCount() + other.operations.size());
+    std::unordered_set<const Operation*, EntryHash, EntryEqual> known;
+    known.reserve(doc.operationCount() + other.operations.size());
+    for (const Operation& op : doc.ledger().operations) {
+        known.insert(&op);
+    }
+    std::unordered_map<std::int32_t, std::int32_t> masterMap{{0, 0}};
+    for (const Operation& op : other.operations) {
+        const auto currency = currencyMap.find(op.currencyId());
+        const Operation mapped(0, op.date(), op.description(), op.type(),
+                               treesMatch ? categoryMap.at(op.categoryId()) : importCategory,
+                               op.amount(), currency == currencyMap.end() ? 0 : currency->second,
+                               op.amountBgl(), op.notes(), op.lastModified(), op.paid(), 0);
+        if (known.count(&mapped)) {
+            ++result.skipped;
+            continue;
+        }
+        // Imported groups of payments get master ids of their own in this ledger.
+        auto master = masterMap.find(op.masterId());
+        if (master == masterMap.end()) {
+            master = masterMap.emplace(op.masterId(), doc.newMasterId()).first;
+        }
+        doc.addOperation(Operation(0, mapped.date(), mapped.description(), mapped.type(),
+                                   mapped.categoryId(), mapped.amount(), mapped.currencyId(),
+                                   mapped.amountBgl(), mapped.notes(), {}, mapped.paid(),
+                                   master->second));
+        known.insert(&*doc.ledger().operations.rbegin());
+        ++result.added;
+    }
+
+    result.status = ImportResult::Status::Imported;
+    result.message = result.skipped > 0 ? "Данните бяха импортирани успешно. Бяха пропуснати " +
+                                              std::to_string(result.skipped) +
+                                              " повтарящи се записа."
+                                        : "Данните бяха импортирани успешно";
+    prompter.inform(result.message, "Резултат");
+    return result;
+}
+
+} // namespace finora
