@@ -8,7 +8,7 @@ seconds=${1:-60}
 shift || true
 targets=("$@")
 if ((${#targets[@]} == 0)); then
-  targets=(fuzz_ledger_reader fuzz_streaming_reader)
+  targets=(fuzz_ledger_reader fuzz_streaming_reader fuzz_filter_file fuzz_import)
 fi
 
 if ! command -v clang++ >/dev/null; then
@@ -25,6 +25,7 @@ mkdir -p "$seeds"
 "$cli" new "$seeds/empty.fnr" --force >/dev/null
 "$cli" generate "$seeds/small.fnr" --operations 12 --seed 3 >/dev/null
 "$cli" generate "$seeds/medium.fnr" --operations 300 --seed 4 >/dev/null
+"$cli" save-filter "$seeds/filter.ffl" --category 3 --category 7 --subcategories --paid 2 >/dev/null 2>&1 || true
 rm -f "$seeds"/*.bak
 
 for target in "${targets[@]}"; do

@@ -26,6 +26,23 @@ ByteReader::ByteReader(ByteSource& source, std::uint64_t totalSize)
     m_pos = m_end = m_buffer.data();
 }
 
+std::size_t ByteReader::readFromSource(char* out, std::size_t size)
+{
+    // A source may hand out less than asked before its end (a pipe, a network share): read on
+    // until it has given everything or nothing more comes.
+    std::size_t total = 0;
+    while (total < size) {
+        const std::size_t got = m_source->read(out + total, size - total);
+        if (got == 0) {
+            m_sourceRemaining = 0; // the file ended before its size said
+            return total;
+        }
+        total += got;
+    }
+    m_sourceRemaining -= total;
+    return total;
+}
+
 bool ByteReader::ensure(std::size_t size)
 {
     if (m_failed) {
@@ -41,8 +58,7 @@ bool ByteReader::ensure(std::size_t size)
     std::memmove(m_buffer.data(), m_pos, kept);
     const auto wanted = static_cast<std::size_t>(
         std::min<std::uint64_t>(m_buffer.size() - kept, m_sourceRemaining));
-    const std::size_t got = m_source->read(m_buffer.data() + kept, wanted);
-    m_sourceRemaining = got == wanted ? m_sourceRemaining - got : 0; // a short read ends the file
+    const std::size_t got = readFromSource(m_buffer.data() + kept, wanted);
     m_pos = m_buffer.data();
     m_end = m_pos + kept + got;
     return available() >= size || fail();
@@ -58,15 +74,8 @@ bool ByteReader::readBytes(char* out, std::size_t size)
     m_pos += fromBuffer;
     size -= fromBuffer;
     out += fromBuffer;
-    if (size > 0) { // only when streaming: the rest comes straight from the source
-        const std::size_t got = m_source->read(out, size);
-        m_sourceRemaining -= std::min<std::uint64_t>(got, m_sourceRemaining);
-        if (got != size) {
-            m_sourceRemaining = 0;
-            return fail();
-        }
-    }
-    return true;
+    // Only when streaming: the rest comes straight from the source.
+    return size == 0 || readFromSource(out, size) == size || fail();
 }
 
 bool ByteReader::readUInt8(std::uint8_t& value)

@@ -18,7 +18,7 @@ namespace finora {
 class ByteSource {
 public:
     virtual ~ByteSource() = default;
-    // Up to `size` bytes into `buffer`; fewer, or 0, only at the end or on an error.
+    // Up to `size` bytes into `buffer`; 0 only at the end or on an error.
     virtual std::size_t read(char* buffer, std::size_t size) = 0;
 };
 
@@ -100,6 +100,7 @@ private:
     // True when `size` bytes (at most the buffer's capacity) are available, refilling as needed.
     bool ensure(std::size_t size);
     bool readBytes(char* out, std::size_t size);
+    std::size_t readFromSource(char* out, std::size_t size);
     bool readUInt8(std::uint8_t& value);
     bool readUInt16(std::uint16_t& value);
     bool readUInt32(std::uint32_t& value);

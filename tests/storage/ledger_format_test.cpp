@@ -4,7 +4,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <limits>
 #include <vector>
 
@@ -247,4 +249,45 @@ TEST(LedgerFormat, DecliningTheConversionReadsNothing)
     const std::string bytes = legacyBytes(1.2, sampleLedger(), false, false);
     EXPECT_EQ(readBytes(bytes, read, false).status, ReadStatus::ConversionDeclined);
     expectEmpty(read);
+}
+
+namespace {
+
+// Hands its bytes out a few at a time, as a pipe or a network share may.
+class TricklingSource final : public ByteSource {
+public:
+    TricklingSource(std::string_view bytes, std::size_t step) : m_bytes(bytes), m_step(step) {}
+    std::size_t read(char* buffer, std::size_t size) override
+    {
+        const std::size_t n = std::min({size, m_step, m_bytes.size() - m_pos});
+        std::memcpy(buffer, m_bytes.data() + m_pos, n);
+        m_pos += n;
+        return n;
+    }
+
+private:
+    std::string_view m_bytes;
+    std::size_t m_step;
+    std::size_t m_pos = 0;
+};
+
+} // namespace
+
+TEST(LedgerFormat, StreamingFromAShortReadingSourceGivesTheSameLedger)
+{
+    Ledger big = sampleLedger();
+    big.operations.append(Operation(9, {}, std::string(3 << 20, 'x'), 1, 1, 1, 0, 1, "", {}, 1, 0));
+    const std::string bytes = serializeLedger(big); // one string longer than the read buffer
+    for (std::size_t step : {1u, 7u, 4096u}) {
+        TricklingSource source(bytes, step);
+        ByteReader reader(source, bytes.size());
+        Ledger read;
+        ASSERT_EQ(readLedger(reader, read, [](double) { return true; }).status, ReadStatus::Ok) << step;
+        EXPECT_EQ(serializeLedger(read), bytes);
+    }
+    // A source that ends before the size it was announced with is a truncated file.
+    TricklingSource shortSource(std::string_view(bytes).substr(0, 100), 7);
+    ByteReader reader(shortSource, bytes.size());
+    Ledger read;
+    EXPECT_EQ(readLedger(reader, read, [](double) { return true; }).status, ReadStatus::Corrupt);
 }
