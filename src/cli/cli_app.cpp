@@ -6,6 +6,11 @@
 #include "model/document_host.h"
 #include "model/finora_doc.h"
 #include "model/recording_prompter.h"
+#include "query/operations_list.h"
+#include "reports/currency_cash.h"
+#include "reports/yearly_summary.h"
+#include "storage/filter_file.h"
+#include "storage/ledger_import.h"
 #include "settings/overlay_settings_store.h"
 #include "settings/settings.h"
 #include "storage/backup_writer.h"
@@ -37,9 +42,15 @@ struct OptionSpec {
 
 // Every option any command knows; a command ignores those that do not concern it.
 constexpr OptionSpec kOptions[] = {
-    {"--help", false},      {"--json", false},       {"--now", true},        {"--password", true},
-    {"-o", true},           {"--operations", true},  {"--seed", true},       {"--force", false},
-    {"--new-password", true},
+    {"--help", false},         {"--json", false},       {"--now", true},
+    {"--password", true},      {"-o", true},            {"--operations", true},
+    {"--seed", true},          {"--force", false},      {"--new-password", true},
+    {"--csv", false},          {"--from", true},        {"--to", true},
+    {"--type", true},          {"--currency", true},    {"--paid", true},
+    {"--category", true},      {"--subcategories", false}, {"--filter", true},
+    {"--search", true},        {"--mode", true},        {"--exact", false},
+    {"--in", true},            {"--case-sensitive", false}, {"--only-matching", false},
+    {"--amount", true},        {"--tolerance", true},   {"--also-bgl", false},
 };
 
 struct Arguments {
@@ -55,6 +66,11 @@ struct Arguments {
             return std::nullopt;
         }
         return it->second.back();
+    }
+    std::vector<std::string> all(std::string_view name) const
+    {
+        const auto it = values.find(name);
+        return it == values.end() ? std::vector<std::string>() : it->second;
     }
 };
 
@@ -149,6 +165,9 @@ public:
 
     CFinoraDoc& doc() { return m_doc; }
     const Arguments& args() const { return m_args; }
+    Settings& settings() { return m_settings; }
+    RecordingPrompter& prompter() { return m_prompter; }
+    const Clock& clock() const { return m_clock; }
 
     // Opens the ledger; with `needOperations`, a locked one needs the right --password.
     void open(const std::string& path, bool needOperations)
@@ -160,14 +179,23 @@ public:
             const bool newer = said == DocumentStorage::kNewerFileText;
             throw Failure{newer ? kNewerFormat : kUnreadable, oneLine(said)};
         }
-        if (needOperations && m_doc.isLocked()) {
-            const auto password = m_args.value("--password");
-            if (!password || !m_doc.checkLock(toCp1251(*password, "--password"),
-                                              CFinoraDoc::LockCheck::TemporaryUnlock)) {
-                throw Failure{kLocked, password ? "паролата не е вярна за този документ."
-                                                : "документът е защитен с парола; посочете я с "
-                                                  "--password."};
-            }
+        if (needOperations) {
+            unlockWithPassword(CFinoraDoc::LockCheck::TemporaryUnlock);
+        }
+    }
+
+    // A protected ledger needs the right --password: to be unlocked for this command, or to
+    // have its protection removed.
+    void unlockWithPassword(CFinoraDoc::LockCheck mode)
+    {
+        if (m_doc.lockText().empty() || (mode == CFinoraDoc::LockCheck::TemporaryUnlock && !m_doc.isLocked())) {
+            return;
+        }
+        const auto password = m_args.value("--password");
+        if (!password || !m_doc.checkLock(toCp1251(*password, "--password"), mode)) {
+            throw Failure{kLocked, password ? "паролата не е вярна за този документ."
+                                            : "документът е защитен с парола; посочете я с "
+                                              "--password."};
         }
     }
 
@@ -357,6 +385,369 @@ int cmdGenerate(Session& s, std::ostream& out)
     return kOk;
 }
 
+// --- filter, search and amount options
+
+DateTime parseDate(const std::string& text, std::string_view option)
+{
+    int d = 0, m = 0, y = 0, used = 0;
+    const bool complete = std::sscanf(text.c_str(), "%2d-%2d-%4d%n", &d, &m, &y, &used) == 3 &&
+                          static_cast<std::size_t>(used) == text.size();
+    const DateTime date = DateTime::fromParts(y, m, d);
+    if (!complete || !date.isValid()) {
+        throw Failure{kUsage, std::string(option) + " очаква дата във вида Д-М-ГГГГ, а не „" + text + "“."};
+    }
+    return date;
+}
+
+double parseAmount(const std::string& text, std::string_view option)
+{
+    double value = 0.0;
+    const auto result = std::from_chars(text.data(), text.data() + text.size(), value);
+    if (result.ec != std::errc() || result.ptr != text.data() + text.size()) {
+        throw Failure{kUsage, std::string(option) + " очаква число, а не „" + text + "“."};
+    }
+    return value;
+}
+
+int parseChoice(const std::string& text, std::string_view option)
+{
+    const std::int64_t value = parseInteger(text, option, 0);
+    if (value > 2) {
+        throw Failure{kUsage, std::string(option) + " приема 0, 1 или 2."};
+    }
+    return static_cast<int>(value);
+}
+
+// The criteria the options describe: "без филтър" values, or those of a filter file, with the
+// options given beside it on top.
+StoredFilter criteriaFromOptions(Session& s)
+{
+    const Arguments& a = s.args();
+    StoredFilter f;
+    resetCriteria(f.criteria, s.doc(), s.clock().now());
+    f.includeSubcategories = s.settings().isOn(IntSetting::ShowDataForSubCategories);
+    if (const auto file = a.value("--filter")) {
+        FileError error = FileError::None;
+        const FilterLoad loaded = loadFilterFile(*file, f, &error);
+        if (loaded != FilterLoad::Ok) {
+            throw Failure{kUnreadable, oneLine(filterLoadMessage(loaded, *file, error))};
+        }
+    }
+    if (const auto v = a.value("--from")) {
+        f.criteria.from = parseDate(*v, "--from");
+    }
+    if (const auto v = a.value("--to")) {
+        f.criteria.to = parseDate(*v, "--to");
+    }
+    if (const auto v = a.value("--type")) {
+        f.criteria.typeFilter = parseChoice(*v, "--type");
+    }
+    if (const auto v = a.value("--paid")) {
+        f.criteria.paidState = parseChoice(*v, "--paid");
+    }
+    if (const auto v = a.value("--currency")) {
+        f.criteria.currency = Session::toCp1251(*v, "--currency");
+    }
+    if (a.values.count("--category")) {
+        f.criteria.categories.clear();
+        for (const std::string& id : a.all("--category")) {
+            f.criteria.categories.push_back(static_cast<std::int32_t>(
+                std::clamp<std::int64_t>(parseInteger(id, "--category", INT32_MIN), INT32_MIN, INT32_MAX)));
+        }
+    }
+    if (a.has("--subcategories")) {
+        f.includeSubcategories = true;
+    }
+    return f;
+}
+
+SearchRequest searchFromOptions(const Arguments& a)
+{
+    SearchRequest r;
+    r.text = Session::toCp1251(*a.value("--search"), "--search");
+    const std::string mode = a.value("--mode").value_or("and");
+    if (mode == "and") {
+        r.mode = SearchRequest::And;
+    } else if (mode == "or") {
+        r.mode = SearchRequest::Or;
+    } else if (mode == "not") {
+        r.mode = SearchRequest::Not;
+    } else {
+        throw Failure{kUsage, "--mode приема and, or или not."};
+    }
+    r.exactPhrase = a.has("--exact");
+    r.caseSensitive = a.has("--case-sensitive");
+    r.showOnlyMatching = a.has("--only-matching");
+    r.inDescription = false;
+    const std::string fields = a.value("--in").value_or("description");
+    std::size_t pos = 0;
+    while (pos <= fields.size()) {
+        const std::size_t end = std::min(fields.find(',', pos), fields.size());
+        const std::string field = fields.substr(pos, end - pos);
+        if (field == "description") {
+            r.inDescription = true;
+        } else if (field == "notes") {
+            r.inNotes = true;
+        } else if (field == "currency") {
+            r.inCurrency = true;
+        } else {
+            throw Failure{kUsage, "--in приема description, notes и currency, а не „" + field + "“."};
+        }
+        pos = end + 1;
+    }
+    return r;
+}
+
+// The main window's list after refresh, then the search, then the amount filter.
+void buildList(Session& s, OperationsList& list)
+{
+    const StoredFilter f = criteriaFromOptions(s);
+    s.settings().setValue(IntSetting::ShowDataForSubCategories, f.includeSubcategories ? 1 : 0);
+    list.criteria() = f.criteria;
+    list.refresh();
+    if (s.args().value("--search")) {
+        list.search(searchFromOptions(s.args()));
+    }
+    if (const auto amount = s.args().value("--amount")) {
+        list.filterByAmount(parseAmount(*amount, "--amount"),
+                            parseAmount(s.args().value("--tolerance").value_or("0"), "--tolerance"),
+                            s.args().has("--also-bgl"));
+    }
+}
+
+int cmdList(Session& s, std::ostream& out)
+{
+    s.open(s.args().positional[1], true);
+    OperationsList list(s.doc(), s.settings(), s.prompter());
+    buildList(s, list);
+    const ListTotals& t = list.totals();
+    if (s.args().has("--json")) {
+        JsonWriter json(out);
+        json.beginObject().key("columns").beginArray();
+        for (const ListColumnSpec& c : listColumns()) {
+            json.value(c.header);
+        }
+        json.endArray().key("rows").beginArray();
+        for (std::size_t r = 0; r < list.rowCount(); ++r) {
+            json.beginObject().key("cells").beginArray();
+            for (int c = 0; c < kListColumnCount; ++c) {
+                json.value(utf8(list.cellText(r, c)));
+            }
+            json.endArray().key("selected").value(list.isSelected(r)).endObject();
+        }
+        json.endArray().key("totals").beginObject()
+            .key("income").value(utf8(t.incomeText()))
+            .key("expense").value(utf8(t.expenseText()))
+            .key("balance").value(utf8(t.balanceText()))
+            .endObject().endObject();
+        out << '\n';
+        return kOk;
+    }
+    for (std::size_t r = 0; r < list.rowCount(); ++r) {
+        for (int c = 0; c < kListColumnCount; ++c) {
+            out << (c ? "\t" : "") << utf8(list.cellText(r, c));
+        }
+        out << '\n';
+    }
+    out << "приходи: " << utf8(t.incomeText()) << "\nразходи: " << utf8(t.expenseText())
+        << "\nбаланс: " << utf8(t.balanceText()) << '\n';
+    return kOk;
+}
+
+void writeCsvField(std::ostream& out, std::string_view field)
+{
+    if (field.find_first_of(",\"\r\n") == std::string_view::npos) {
+        out << field;
+        return;
+    }
+    out << '"';
+    for (char c : field) {
+        out << (c == '"' ? "\"\"" : std::string_view(&c, 1));
+    }
+    out << '"';
+}
+
+int cmdExport(Session& s, std::ostream& out)
+{
+    if (!s.args().has("--csv")) {
+        throw Failure{kUsage, "export изисква --csv."};
+    }
+    s.open(s.args().positional[1], true);
+    OperationsList list(s.doc(), s.settings(), s.prompter());
+    buildList(s, list);
+    for (int c = 0; c < kListColumnCount; ++c) {
+        out << (c ? "," : "");
+        writeCsvField(out, listColumns()[static_cast<std::size_t>(c)].header);
+    }
+    out << "\r\n";
+    for (std::size_t r = 0; r < list.rowCount(); ++r) {
+        for (int c = 0; c < kListColumnCount; ++c) {
+            out << (c ? "," : "");
+            writeCsvField(out, utf8(list.cellText(r, c)));
+        }
+        out << "\r\n";
+    }
+    return kOk;
+}
+
+int cmdCash(Session& s, std::ostream& out)
+{
+    s.open(s.args().positional[1], true);
+    const auto rows = cashRows(s.doc(), s.settings());
+    if (s.args().has("--json")) {
+        JsonWriter json(out);
+        json.beginObject().key("columns").beginArray();
+        for (const char* h : cashColumnHeaders()) {
+            json.value(h);
+        }
+        json.endArray().key("rows").beginArray();
+        for (const CashRow& row : rows) {
+            json.beginObject().key("cells").beginArray();
+            for (const std::string& cell : row) {
+                json.value(utf8(cell));
+            }
+            json.endArray().endObject();
+        }
+        json.endArray().endObject();
+        out << '\n';
+        return kOk;
+    }
+    for (const CashRow& row : rows) {
+        for (std::size_t c = 1; c < row.size(); ++c) {
+            out << (c > 1 ? "\t" : "") << utf8(row[c]);
+        }
+        out << '\n';
+    }
+    return kOk;
+}
+
+int cmdYear(Session& s, std::ostream& out)
+{
+    s.open(s.args().positional[1], true);
+    const auto year = static_cast<int>(
+        std::clamp<std::int64_t>(parseInteger(s.args().positional[2], "YEAR", INT32_MIN), INT32_MIN, INT32_MAX));
+    YearlySummary summary;
+    const bool hasData = computeYearlySummary(s.doc(), year, summary);
+    JsonWriter json(out);
+    json.beginObject().key("year").value(static_cast<std::int64_t>(year))
+        .key("has_data").value(hasData)
+        .key("maximum").value(summary.maximum)
+        .key("income").beginArray();
+    for (double v : summary.income) {
+        json.value(v);
+    }
+    json.endArray().key("expense").beginArray();
+    for (double v : summary.expense) {
+        json.value(v);
+    }
+    json.endArray()
+        .key("year_income").value(summary.yearIncome)
+        .key("year_expense").value(summary.yearExpense)
+        .endObject();
+    out << '\n';
+    return kOk;
+}
+
+int cmdImport(Session& s, std::ostream& out)
+{
+    const std::string& path = s.args().positional[1];
+    const std::string& other = s.args().positional[2];
+    s.open(path, true);
+    std::string bytes;
+    FileError error = FileError::None;
+    if (!readWholeFile(other, bytes, &error)) {
+        throw Failure{kUnreadable, "файлът „" + other + "“ не може да бъде отворен. " + describe(error)};
+    }
+    const ImportResult r = importLedger(s.doc(), bytes, s.prompter());
+    if (r.status != ImportResult::Status::Imported) {
+        throw Failure{r.status == ImportResult::Status::Newer ? kNewerFormat : kUnreadable, oneLine(r.message)};
+    }
+    s.save(s.args().value("-o").value_or(path));
+    if (s.args().has("--json")) {
+        JsonWriter json(out);
+        json.beginObject().key("added").value(r.added).key("skipped").value(r.skipped).key("import_category");
+        if (r.importCategory) {
+            json.value(utf8(*r.importCategory));
+        } else {
+            json.null();
+        }
+        json.key("message").value(r.message).endObject();
+        out << '\n';
+        return kOk;
+    }
+    out << r.message << '\n';
+    return kOk;
+}
+
+int cmdLock(Session& s, std::ostream& out)
+{
+    const std::string& path = s.args().positional[1];
+    const auto password = s.args().value("--new-password");
+    if (!password || password->empty()) {
+        throw Failure{kUsage, "lock изисква непразна --new-password."};
+    }
+    s.open(path, false);
+    // Changing an existing protection takes the current password first.
+    s.unlockWithPassword(CFinoraDoc::LockCheck::RemoveProtection);
+    s.doc().setLock(Session::toCp1251(*password, "--new-password"));
+    s.save(path);
+    out << "Документът е защитен с парола: " << path << '\n';
+    return kOk;
+}
+
+int cmdUnlock(Session& s, std::ostream& out)
+{
+    const std::string& path = s.args().positional[1];
+    s.open(path, false);
+    if (s.doc().lockText().empty()) {
+        out << "Документът не е защитен с парола: " << path << '\n';
+        return kOk;
+    }
+    s.unlockWithPassword(CFinoraDoc::LockCheck::RemoveProtection);
+    s.save(path);
+    out << "Документът вече не е защитен с парола: " << path << '\n';
+    return kOk;
+}
+
+int cmdSaveFilter(Session& s, std::ostream& out)
+{
+    const std::string& path = s.args().positional[1];
+    const StoredFilter f = criteriaFromOptions(s);
+    FileError error = FileError::None;
+    if (!saveFilterFile(path, f, &error)) {
+        throw Failure{kNotWritten, "филтърът не може да бъде записан в „" + path + "“. " + describe(error)};
+    }
+    out << "Филтърът е записан: " << path << '\n';
+    return kOk;
+}
+
+int cmdShowFilter(Session& s, std::ostream& out)
+{
+    const std::string& path = s.args().positional[1];
+    StoredFilter f;
+    FileError error = FileError::None;
+    const FilterLoad loaded = loadFilterFile(path, f, &error);
+    if (loaded != FilterLoad::Ok) {
+        throw Failure{kUnreadable, oneLine(filterLoadMessage(loaded, path, error))};
+    }
+    JsonWriter json(out);
+    json.beginObject()
+        .key("from").value(f.criteria.from.dateText())
+        .key("to").value(f.criteria.to.dateText())
+        .key("type").value(static_cast<std::int64_t>(f.criteria.typeFilter))
+        .key("categories").beginArray();
+    for (std::int32_t id : f.criteria.categories) {
+        json.value(id);
+    }
+    json.endArray()
+        .key("subcategories").value(f.includeSubcategories)
+        .key("currency").value(utf8(f.criteria.currency))
+        .key("paid").value(static_cast<std::int64_t>(f.criteria.paidState))
+        .endObject();
+    out << '\n';
+    return kOk;
+}
+
 struct Command {
     std::string_view name;
     std::size_t arguments; // positional ones after the command's name
@@ -371,6 +762,15 @@ constexpr Command kCommands[] = {
     {"convert", 1, cmdConvert, "convert FILE [-o OUT]              записва във формат 1.4"},
     {"generate", 1, cmdGenerate,
      "generate FILE --operations N [--seed S]   примерен документ за демонстрации и измервания"},
+    {"list", 1, cmdList, "list FILE [филтър] [търсене] [сума] [--json]   списъкът на главния прозорец"},
+    {"export", 1, cmdExport, "export FILE --csv [филтър] [търсене] [сума]   същите редове като CSV"},
+    {"cash", 1, cmdCash, "cash FILE [--json]                 валутната каса"},
+    {"year", 2, cmdYear, "year FILE YEAR                     приходи и разходи по месеци"},
+    {"import", 2, cmdImport, "import FILE OTHER [-o OUT] [--json]   добавя операциите на OTHER"},
+    {"lock", 1, cmdLock, "lock FILE --new-password P        защитава документа с парола"},
+    {"unlock", 1, cmdUnlock, "unlock FILE --password P           премахва защитата"},
+    {"save-filter", 1, cmdSaveFilter, "save-filter OUT.ffl [филтър]       записва филтър"},
+    {"show-filter", 1, cmdShowFilter, "show-filter IN.ffl --json          показва филтър"},
 };
 
 void printHelp(std::ostream& out)
@@ -385,6 +785,11 @@ void printHelp(std::ostream& out)
            "  --password P                 отключва защитен документ за командата\n"
            "  --json                       изход като един JSON документ\n"
            "  --help                       тази помощ\n\n"
+           "Филтър: --from Д-М-ГГГГ --to Д-М-ГГГГ --type 0|1|2 --currency КОД --paid 0|1|2\n"
+           "        --category ID (повече от веднъж) --subcategories --filter IN.ffl\n"
+           "Търсене: --search ТЕКСТ --mode and|or|not --exact --in description,notes,currency\n"
+           "         --case-sensitive --only-matching\n"
+           "Сума: --amount A --tolerance T --also-bgl\n\n"
            "Изходен код: 0 успех, 1 грешна употреба, 2 файлът не може да бъде прочетен,\n"
            "3 файлът е от по-нова версия, 4 документът е защитен, 5 файлът не може да бъде записан.\n";
 }

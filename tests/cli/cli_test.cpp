@@ -5,6 +5,7 @@
 #include "storage/document_storage.h"
 #include "storage/file_io.h"
 #include "storage/ledger_format.h"
+#include "text/cp1251.h"
 
 #include <gtest/gtest.h>
 
@@ -192,4 +193,134 @@ TEST_F(CliTest, TheUsersOptionsAreReadButNeverWritten)
     EXPECT_EQ(run({"info", file}).status, 0);
     EXPECT_EQ(settings.writeCount(), writes);
     EXPECT_FALSE(settings.contains("Settings", "LastFileUsed"));
+}
+
+namespace {
+
+// A small ledger with Cyrillic texts, a subcategory, a foreign currency and a comma in a note.
+Ledger listLedger()
+{
+    Ledger l;
+    l.currencies.append(Currency(1, "EUR"));
+    l.categories.append(Category(1, cp1251::fromUtf8OrThrow("Храна"), 0));
+    l.categories.append(Category(2, cp1251::fromUtf8OrThrow("Пазар"), 1));
+    l.categories.append(Category(3, cp1251::fromUtf8OrThrow("Заплата"), 0));
+    l.operations.append(Operation(1, DateTime::fromParts(2024, 1, 5), cp1251::fromUtf8OrThrow("Заплата"),
+                                  kIncome, 3, 2000, 0, 2000, "", DateTime::fromParts(2024, 1, 5, 9, 7, 2), 1, 0));
+    l.operations.append(Operation(2, DateTime::fromParts(2024, 1, 6), cp1251::fromUtf8OrThrow("Ябълки"),
+                                  kExpense, 2, 4.5, 0, 4.5, "kg, red \"gala\"", {}, 0, 0));
+    l.operations.append(Operation(3, DateTime::fromParts(2024, 2, 7), "Hotel", kExpense, 1, 50, 1,
+                                  97.79, "", {}, 1, 4));
+    l.counters = {1, 3, 3, 4};
+    return l;
+}
+
+} // namespace
+
+TEST_F(CliTest, ListPrintsTheMainWindowsCellsSelectionAndTotals)
+{
+    const std::string file = path("l.fnr");
+    write(file, serializeLedger(listLedger()));
+    const CliResult r = run({"--now", "2024-03-01 10:00:00", "list", file, "--json"});
+    ASSERT_EQ(r.status, 0) << r.err;
+    EXPECT_EQ(r.out,
+              R"({"columns":["#","master_op_id","дата","описание","тип","категория","сума","валута","сума в BGL","забележки","последна модификация","изплатено"],"rows":[)"
+              R"({"cells":["3","4","07-02-2024","Hotel","Р","Храна","50.00","EUR","97.79","","30-12-1899 0:0:0","да"],"selected":false},)"
+              R"({"cells":["2","0","06-01-2024","Ябълки","Р","Храна :: Пазар","4.50","BGL","4.50","kg, red \"gala\"","30-12-1899 0:0:0","не"],"selected":false},)"
+              R"({"cells":["1","0","05-01-2024","Заплата","П","Заплата","2000.00","BGL","2000.00","","5-1-2024 9:7:2","да"],"selected":true}],)"
+              R"("totals":{"income":"2000.00 BGL","expense":"102.29 BGL","balance":"1897.71 BGL"}})"
+              "\n");
+}
+
+TEST_F(CliTest, FilterSearchAndAmountOptionsApplyInOrder)
+{
+    const std::string file = path("l.fnr");
+    write(file, serializeLedger(listLedger()));
+    const auto ids = [&](std::vector<std::string> args) {
+        args.insert(args.begin(), {"list", file});
+        const CliResult r = run(args);
+        EXPECT_EQ(r.status, 0) << r.err;
+        std::vector<std::string> out;
+        std::istringstream lines(r.out);
+        for (std::string line; std::getline(lines, line);) {
+            if (line.find('\t') != std::string::npos) {
+                out.push_back(line.substr(0, line.find('\t')));
+            }
+        }
+        return out;
+    };
+    EXPECT_EQ(ids({"--category", "1"}), std::vector<std::string>{"3"});
+    EXPECT_EQ(ids({"--category", "1", "--subcategories"}), (std::vector<std::string>{"3", "2"}));
+    EXPECT_EQ(ids({"--type", "1"}), std::vector<std::string>{"1"});
+    EXPECT_EQ(ids({"--paid", "2"}), std::vector<std::string>{"2"});
+    EXPECT_EQ(ids({"--currency", "EUR"}), std::vector<std::string>{"3"});
+    EXPECT_EQ(ids({"--from", "6-1-2024", "--to", "6-1-2024"}), std::vector<std::string>{"2"});
+    EXPECT_EQ(ids({"--search", "ябълки gala", "--in", "description,notes", "--only-matching"}),
+              std::vector<std::string>{"2"});
+    EXPECT_EQ(ids({"--search", "hotel", "--mode", "not", "--only-matching", "--amount", "2000"}),
+              std::vector<std::string>{"1"});
+    EXPECT_EQ(ids({"--amount", "97.79", "--also-bgl"}), std::vector<std::string>{"3"});
+    EXPECT_EQ(run({"list", file, "--type", "3"}).status, cli::kUsage);
+    EXPECT_EQ(run({"list", file, "--mode", "xor", "--search", "a"}).status, cli::kUsage);
+    EXPECT_EQ(run({"list", file, "--amount", "12,5"}).status, cli::kUsage);
+    EXPECT_EQ(run({"list", file, "--from", "32-1-2024"}).status, cli::kUsage);
+
+    // A saved filter gives its criteria; options beside it win.
+    const std::string filter = path("f.ffl");
+    ASSERT_EQ(run({"--now", "2024-03-01 10:00:00", "save-filter", filter, "--category", "1",
+                   "--subcategories", "--paid", "2"}).status, 0);
+    EXPECT_EQ(ids({"--filter", filter, "--from", "1-1-2024", "--to", "31-12-2024"}),
+              std::vector<std::string>{"2"});
+    EXPECT_EQ(ids({"--filter", filter, "--from", "1-1-2024", "--to", "31-12-2024", "--paid", "0"}),
+              (std::vector<std::string>{"3", "2"}));
+    const CliResult shown = run({"show-filter", filter, "--json"});
+    EXPECT_EQ(shown.out, R"({"from":"1-3-2024","to":"1-3-2024","type":0,"categories":[1],"subcategories":true,"currency":":: ВСИЧКИ ВАЛУТИ В BGL ::","paid":2})"
+                         "\n");
+    write(path("bad.ffl"), "nonsense");
+    EXPECT_EQ(run({"show-filter", path("bad.ffl"), "--json"}).status, cli::kUnreadable);
+}
+
+TEST_F(CliTest, ExportWritesRfc4180Csv)
+{
+    const std::string file = path("l.fnr");
+    write(file, serializeLedger(listLedger()));
+    const CliResult r = run({"export", file, "--csv", "--paid", "2"});
+    ASSERT_EQ(r.status, 0) << r.err;
+    EXPECT_EQ(r.out, "#,master_op_id,дата,описание,тип,категория,сума,валута,сума в BGL,забележки,"
+                     "последна модификация,изплатено\r\n"
+                     "2,0,06-01-2024,Ябълки,Р,Храна :: Пазар,4.50,BGL,4.50,\"kg, red \"\"gala\"\"\",30-12-1899 0:0:0,не\r\n");
+    EXPECT_EQ(run({"export", file}).status, cli::kUsage);
+}
+
+TEST_F(CliTest, CashYearImportAndLock)
+{
+    const std::string file = path("l.fnr");
+    write(file, serializeLedger(listLedger()));
+    const CliResult cash = run({"cash", file, "--json"});
+    EXPECT_EQ(cash.out,
+              R"({"columns":["","валута","в наличност","ср. стойност в BGL","сред. курс","бр. операции","приход","разход"],"rows":[)"
+              R"({"cells":["0","BGL","2000.00","2000.00","1.000000","2","2000.00","0.00"]},)"
+              R"({"cells":["1","EUR","-50.00","-97.79","1.955800","1","0.00","50.00"]}]})"
+              "\n");
+    const CliResult year = run({"year", file, "2024"});
+    EXPECT_EQ(year.out, R"({"year":2024,"has_data":true,"maximum":2000,"income":[2000,0,0,0,0,0,0,0,0,0,0,0],)"
+                        R"("expense":[4.5,97.79,0,0,0,0,0,0,0,0,0,0],"year_income":2000,"year_expense":102.29})"
+                        "\n");
+
+    const CliResult imported = run({"--now", "2004-03-05 09:07:02", "import", file, file, "-o", path("m.fnr"), "--json"});
+    EXPECT_EQ(imported.out, R"({"added":0,"skipped":3,"import_category":null,"message":"Данните бяха импортирани успешно. Бяха пропуснати 3 повтарящи се записа."})"
+                            "\n");
+    EXPECT_EQ(read(file), serializeLedger(listLedger())); // written to -o only
+
+    ASSERT_EQ(run({"lock", file, "--new-password", "тайна"}).status, 0);
+    for (const char* command : {"list", "cash", "dump"}) {
+        EXPECT_EQ(run({command, file, "--json"}).status, cli::kLocked) << command;
+    }
+    EXPECT_EQ(run({"year", file, "2024"}).status, cli::kLocked);
+    EXPECT_EQ(run({"import", file, path("m.fnr")}).status, cli::kLocked);
+    EXPECT_EQ(run({"lock", file, "--new-password", "друга"}).status, cli::kLocked);
+    EXPECT_EQ(run({"list", file, "--password", "тайна"}).status, 0);
+    EXPECT_EQ(run({"unlock", file, "--password", "грешна"}).status, cli::kLocked);
+    ASSERT_EQ(run({"unlock", file, "--password", "тайна"}).status, 0);
+    EXPECT_EQ(read(file), serializeLedger(listLedger()));
 }
