@@ -2,6 +2,11 @@
 #include "demo/ledger_generator.h"
 #include "model/finora_doc.h"
 #include "model/recording_prompter.h"
+#include "query/operations_list.h"
+#include "reports/currency_cash.h"
+#include "reports/yearly_summary.h"
+#include "storage/ledger_import.h"
+#include "text/cp1251.h"
 #include "settings/memory_settings_store.h"
 #include "storage/document_storage.h"
 #include "storage/file_io.h"
@@ -196,6 +201,142 @@ void BM_SaveWithBackup(benchmark::State& state)
     state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(fs::file_size(target)));
 }
 
+// A generated ledger of `n` operations, read once per run and shared by the cases that only
+// read it.
+const Ledger& sharedLedger(std::int64_t n)
+{
+    static std::map<std::int64_t, Ledger> ledgers;
+    auto it = ledgers.find(n);
+    if (it == ledgers.end()) {
+        it = ledgers.emplace(n, generateLedger(n, 42)).first;
+    }
+    return it->second;
+}
+
+// A document with its own copy of the shared ledger, and what the main window keeps beside it.
+struct Window {
+    explicit Window(std::int64_t n) : doc(kClock), settings(store), list(doc, settings, prompter)
+    {
+        doc.replaceLedger(Ledger(sharedLedger(n)));
+        resetCriteria(list.criteria(), doc, kClock.now());
+    }
+    CFinoraDoc doc;
+    MemorySettingsStore store;
+    Settings settings;
+    RecordingPrompter prompter{Answer::Yes};
+    OperationsList list;
+};
+
+// The top-level category of a generated ledger whose subtree is the largest ("Храна").
+std::int32_t foodCategory(const CFinoraDoc& doc)
+{
+    const std::string food = cp1251::fromUtf8OrThrow("Храна");
+    for (const Category& c : doc.ledger().categories) {
+        if (c.parentId() == 0 && c.name() == food) {
+            return c.id();
+        }
+    }
+    return 0;
+}
+
+void BM_RefreshNoFilter(benchmark::State& state)
+{
+    Window w(state.range(0));
+    for (auto _ : state) {
+        w.list.refresh();
+        benchmark::DoNotOptimize(w.list.rowCount());
+    }
+}
+
+void BM_RefreshCategoryWithSubcategories(benchmark::State& state)
+{
+    Window w(state.range(0));
+    w.settings.setValue(IntSetting::ShowDataForSubCategories, 1);
+    w.list.criteria().categories = {foodCategory(w.doc)};
+    for (auto _ : state) {
+        w.list.refresh();
+        benchmark::DoNotOptimize(w.list.rowCount());
+    }
+    state.counters["rows"] = static_cast<double>(w.list.rowCount());
+}
+
+void BM_WordSearchDescriptionAndNotes(benchmark::State& state)
+{
+    Window w(state.range(0));
+    SearchRequest request;
+    request.text = cp1251::fromUtf8OrThrow("пазар КАРТА");
+    request.mode = SearchRequest::Or;
+    request.inDescription = true;
+    request.inNotes = true;
+    for (auto _ : state) {
+        state.PauseTiming();
+        w.list.refresh();
+        state.ResumeTiming();
+        w.list.search(request);
+    }
+}
+
+void BM_AmountFilter(benchmark::State& state)
+{
+    Window w(state.range(0));
+    for (auto _ : state) {
+        state.PauseTiming();
+        w.list.refresh();
+        state.ResumeTiming();
+        w.list.filterByAmount(25.0, 5.0, true);
+        benchmark::DoNotOptimize(w.list.rowCount());
+    }
+}
+
+void BM_CashSummaryOfEveryCurrency(benchmark::State& state)
+{
+    Window w(state.range(0));
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(cashRows(w.doc, w.settings));
+    }
+}
+
+void BM_YearlySummary(benchmark::State& state)
+{
+    Window w(state.range(0));
+    for (auto _ : state) {
+        YearlySummary summary;
+        benchmark::DoNotOptimize(computeYearlySummary(w.doc, 2025, summary));
+    }
+}
+
+void BM_ImportIntoACopyOfItself(benchmark::State& state)
+{
+    const std::string bytes = serializeLedger(sharedLedger(state.range(0)));
+    for (auto _ : state) {
+        state.PauseTiming();
+        auto w = std::make_unique<Window>(state.range(0));
+        state.ResumeTiming();
+        const ImportResult r = importLedger(w->doc, bytes, w->prompter);
+        if (r.added != 0) {
+            state.SkipWithError("an operation was imported twice");
+        }
+        state.PauseTiming();
+        w.reset();
+        state.ResumeTiming();
+    }
+}
+
+void BM_DeleteEveryShownRow(benchmark::State& state)
+{
+    for (auto _ : state) {
+        state.PauseTiming();
+        auto w = std::make_unique<Window>(state.range(0));
+        w->list.refresh();
+        state.ResumeTiming();
+        w->list.deleteShown();
+        benchmark::DoNotOptimize(w->doc.operationCount());
+        state.PauseTiming();
+        w.reset();
+        state.ResumeTiming();
+    }
+}
+
 void sizes(benchmark::internal::Benchmark* b)
 {
     b->Arg(10'000)->Arg(100'000)->Arg(1'000'000)->Unit(benchmark::kMillisecond)->UseRealTime();
@@ -209,5 +350,13 @@ BENCHMARK(BM_DeleteAllByIdInListOrder)->Apply(sizes);
 BENCHMARK(BM_ReadFileBytes)->Apply(sizes);
 BENCHMARK(BM_Open)->Apply(sizes);
 BENCHMARK(BM_SaveWithBackup)->Apply(sizes);
+BENCHMARK(BM_RefreshNoFilter)->Apply(sizes);
+BENCHMARK(BM_RefreshCategoryWithSubcategories)->Apply(sizes);
+BENCHMARK(BM_WordSearchDescriptionAndNotes)->Apply(sizes);
+BENCHMARK(BM_AmountFilter)->Apply(sizes);
+BENCHMARK(BM_CashSummaryOfEveryCurrency)->Apply(sizes);
+BENCHMARK(BM_YearlySummary)->Apply(sizes);
+BENCHMARK(BM_ImportIntoACopyOfItself)->Apply(sizes);
+BENCHMARK(BM_DeleteEveryShownRow)->Apply(sizes);
 
 BENCHMARK_MAIN();
