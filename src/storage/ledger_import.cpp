@@ -4,21 +4,38 @@
 #include "storage/ledger_format.h"
 #include "text/cp1251.h"
 
+#include <algorithm>
 #include <bit>
 #include <cmath>
 #include <unordered_map>
-#include <unordered_set>
+#include <vector>
 
 namespace finora {
 namespace {
 
+// What the duplicate rule compares, borrowed from a record without copying its texts.
+struct EntryKey {
+    DateTime date;
+    std::string_view description;
+    std::string_view notes;
+    std::int32_t type;
+    std::int32_t currencyId;
+    double amount;
+    double amountBgl;
+
+    static EntryKey of(const Operation& op, std::int32_t currencyId)
+    {
+        return {op.date(), op.description(), op.notes(), op.type(), currencyId, op.amount(), op.amountBgl()};
+    }
+};
+
 // Two operations are the same entry when day, description, type, amount, currency, amount in
 // BGL and notes all agree; category, paid flag, times and ids do not count.
-bool sameEntry(const Operation& a, const Operation& b)
+bool sameEntry(const EntryKey& a, const EntryKey& b)
 {
-    return a.type() == b.type() && a.currencyId() == b.currencyId() && a.amount() == b.amount() &&
-           a.amountBgl() == b.amountBgl() && a.description() == b.description() &&
-           a.notes() == b.notes() && a.date().isSameDay(b.date());
+    return a.type == b.type && a.currencyId == b.currencyId && a.amount == b.amount &&
+           a.amountBgl == b.amountBgl && a.description == b.description && a.notes == b.notes &&
+           a.date.isSameDay(b.date);
 }
 
 std::uint64_t mix(std::uint64_t h, std::uint64_t v)
@@ -33,25 +50,60 @@ std::uint64_t doubleBits(double d)
     return d == 0.0 ? 0 : std::bit_cast<std::uint64_t>(d);
 }
 
-struct EntryHash {
-    std::size_t operator()(const Operation* op) const
-    {
-        DateTimeParts p;
-        std::uint64_t h = op->date().toParts(p)
-                              ? static_cast<std::uint64_t>(p.year * 10000 + p.month * 100 + p.day)
-                              : 0;
-        h = mix(h, static_cast<std::uint64_t>(op->type()));
-        h = mix(h, static_cast<std::uint64_t>(op->currencyId()));
-        h = mix(h, doubleBits(op->amount()));
-        h = mix(h, doubleBits(op->amountBgl()));
-        h = mix(h, std::hash<std::string>()(op->description()));
-        h = mix(h, std::hash<std::string>()(op->notes()));
-        return static_cast<std::size_t>(h);
-    }
-};
+std::uint64_t entryHash(const EntryKey& k)
+{
+    DateTimeParts p;
+    std::uint64_t h = k.date.toParts(p)
+                          ? static_cast<std::uint64_t>(p.year * 10000 + p.month * 100 + p.day)
+                          : 0;
+    h = mix(h, static_cast<std::uint64_t>(k.type));
+    h = mix(h, static_cast<std::uint64_t>(k.currencyId));
+    h = mix(h, doubleBits(k.amount));
+    h = mix(h, doubleBits(k.amountBgl));
+    h = mix(h, std::hash<std::string_view>()(k.description));
+    h = mix(h, std::hash<std::string_view>()(k.notes));
+    return h;
+}
 
-struct EntryEqual {
-    bool operator()(const Operation* a, const Operation* b) const { return sameEntry(*a, *b); }
+// The entries of a ledger by the duplicate rule: a flat table of (hash, record) with linear
+// probing, so a million entries cost one allocation, and records are compared only when their
+// hashes agree.
+class EntrySet {
+public:
+    explicit EntrySet(std::size_t expected)
+        : m_slots(std::bit_ceil(std::max<std::size_t>(expected * 2, 16))), m_mask(m_slots.size() - 1)
+    {
+    }
+
+    bool contains(const EntryKey& key, std::uint64_t hash) const
+    {
+        for (std::size_t i = hash & m_mask;; i = (i + 1) & m_mask) {
+            const Slot& s = m_slots[i];
+            if (!s.op) {
+                return false;
+            }
+            if (s.hash == hash && sameEntry(EntryKey::of(*s.op, s.op->currencyId()), key)) {
+                return true;
+            }
+        }
+    }
+    // The caller keeps `op` where it is for as long as the set lives.
+    void insert(const Operation& op, std::uint64_t hash)
+    {
+        std::size_t i = hash & m_mask;
+        while (m_slots[i].op) {
+            i = (i + 1) & m_mask;
+        }
+        m_slots[i] = Slot{hash, &op};
+    }
+
+private:
+    struct Slot {
+        std::uint64_t hash = 0;
+        const Operation* op = nullptr;
+    };
+    std::vector<Slot> m_slots;
+    std::size_t m_mask;
 };
 
 // Name and parent's name of a category, as the two trees are compared.
@@ -153,19 +205,17 @@ ImportResult importLedger(CFinoraDoc& doc, std::string_view bytes, Prompter& pro
 
     // The open ledger's entries, and each one added, in a hash set: one lookup per import.
     doc.reserveOperations(doc.operationCount() + other.operations.size());
-    std::unordered_set<const Operation*, EntryHash, EntryEqual> known;
-    known.reserve(doc.operationCount() + other.operations.size());
+    EntrySet known(doc.operationCount() + other.operations.size());
     for (const Operation& op : doc.ledger().operations) {
-        known.insert(&op);
+        known.insert(op, entryHash(EntryKey::of(op, op.currencyId())));
     }
     std::unordered_map<std::int32_t, std::int32_t> masterMap{{0, 0}};
     for (const Operation& op : other.operations) {
-        const auto currency = currencyMap.find(op.currencyId());
-        const Operation mapped(0, op.date(), op.description(), op.type(),
-                               treesMatch ? categoryMap.at(op.categoryId()) : importCategory,
-                               op.amount(), currency == currencyMap.end() ? 0 : currency->second,
-                               op.amountBgl(), op.notes(), op.lastModified(), op.paid(), 0);
-        if (known.count(&mapped)) {
+        const auto mappedCurrency = currencyMap.find(op.currencyId());
+        const std::int32_t currency = mappedCurrency == currencyMap.end() ? 0 : mappedCurrency->second;
+        const EntryKey key = EntryKey::of(op, currency);
+        const std::uint64_t hash = entryHash(key);
+        if (known.contains(key, hash)) {
             ++result.skipped;
             continue;
         }
@@ -174,11 +224,11 @@ ImportResult importLedger(CFinoraDoc& doc, std::string_view bytes, Prompter& pro
         if (master == masterMap.end()) {
             master = masterMap.emplace(op.masterId(), doc.newMasterId()).first;
         }
-        doc.addOperation(Operation(0, mapped.date(), mapped.description(), mapped.type(),
-                                   mapped.categoryId(), mapped.amount(), mapped.currencyId(),
-                                   mapped.amountBgl(), mapped.notes(), {}, mapped.paid(),
+        doc.addOperation(Operation(0, op.date(), op.description(), op.type(),
+                                   treesMatch ? categoryMap.at(op.categoryId()) : importCategory,
+                                   op.amount(), currency, op.amountBgl(), op.notes(), {}, op.paid(),
                                    master->second));
-        known.insert(&*doc.ledger().operations.rbegin());
+        known.insert(*doc.ledger().operations.rbegin(), hash);
         ++result.added;
     }
 
