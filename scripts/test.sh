@@ -19,8 +19,8 @@ run_preset default
 
 if [[ "${FINORA_QUICK:-0}" != 1 ]]; then
   run_preset asan
-  # The storage tests are the ones with a second thread (the backup writer).
-  run_preset tsan -R 'Storage|Backup|Cli'
+  # The tests that save, and so start the backup writer's thread.
+  run_preset tsan -R 'Storage|Backup|Cli|List|Import'
   scripts/fuzz.sh "${FINORA_FUZZ_SECONDS:-60}"
   # The last word is the whole suite's, as released.
   ctest --preset default --parallel "$(nproc)" | tail -n 3
