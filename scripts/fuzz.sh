@@ -30,8 +30,9 @@ rm -f "$seeds"/*.bak
 
 for target in "${targets[@]}"; do
   corpus=build/fuzz/corpus/$target
-  mkdir -p "$corpus"
+  mkdir -p "$corpus" build/fuzz/artifacts
   echo "fuzz: $target for ${seconds}s"
   "build/fuzz/fuzz/$target" "$corpus" "$seeds" -max_total_time="$seconds" -rss_limit_mb=2048 \
+    -artifact_prefix=build/fuzz/artifacts/ \
     -max_len=65536 -timeout=10 -print_final_stats=1 2>&1 | tail -n 12
 done

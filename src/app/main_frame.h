@@ -1,0 +1,57 @@
+#pragma once
+
+#include "app/finora_view.h"
+#include "model/clock.h"
+#include "model/document_host.h"
+#include "model/finora_doc.h"
+#include "settings/settings.h"
+#include "storage/backup_writer.h"
+#include "storage/document_storage.h"
+
+#include <QMainWindow>
+
+class QAction;
+
+namespace finora {
+
+// The main window: the ledger document, its view, the menus and the status bar. Every message
+// goes through the prompter and every file name for a first save through the host, so tests can
+// drive the window with scripted answers.
+class CMainFrame final : public QMainWindow {
+public:
+    CMainFrame(SettingsStore& store, Prompter& prompter, DocumentHost& host, const Clock& clock,
+               QWidget* parent = nullptr);
+    ~CMainFrame() override;
+
+    CFinoraDoc& document() { return m_doc; }
+    CFinoraView& view() { return *m_view; }
+    // The action of a command by its object name ("actionRefresh", …), for tests and toolbars.
+    QAction* action(const char* objectName) const;
+
+    // A new, empty ledger; false when the user cancelled the save-changes question.
+    bool newLedger();
+    // Opens a ledger; false when it could not be opened or the user cancelled.
+    bool openLedger(const QString& path);
+
+    static constexpr const char* kIdleText = "Finora е в състояние на готовност ...";
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+
+private:
+    void createActions();
+    void updateTitle();
+    void updateCommands();
+    void openWithDialog();
+    void saveAs();
+
+    Settings m_settings;
+    Prompter& m_prompter;
+    DocumentHost& m_host;
+    CFinoraDoc m_doc;
+    BackupWriter m_backups;
+    DocumentStorage m_storage;
+    CFinoraView* m_view;
+};
+
+} // namespace finora

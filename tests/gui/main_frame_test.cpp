@@ -1,0 +1,136 @@
+// The desktop program's window, driven offscreen through its actions with scripted answers.
+#include "app/main_frame.h"
+#include "demo/ledger_generator.h"
+#include "model/recording_prompter.h"
+#include "settings/memory_settings_store.h"
+#include "storage/file_io.h"
+#include "storage/ledger_format.h"
+
+#include <QAbstractItemModelTester>
+#include <QAction>
+#include <QApplication>
+#include <QLabel>
+#include <QTableView>
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+
+#include <deque>
+
+using namespace finora;
+
+namespace {
+
+class ScriptedHost final : public DocumentHost {
+public:
+    std::optional<std::string> chooseSavePath() override
+    {
+        if (paths.empty()) {
+            return std::nullopt;
+        }
+        auto p = paths.front();
+        paths.pop_front();
+        return p;
+    }
+    void exitProgram(int status) override { exits.push_back(status); }
+    std::deque<std::string> paths;
+    std::vector<int> exits;
+};
+
+} // namespace
+
+class MainFrameTest : public ::testing::Test {
+protected:
+    MainFrameTest()
+    {
+        m_file = m_dir.filePath(QStringLiteral("дом.fnr"));
+        writeFile(m_file.toStdString(), serializeLedger(generateLedger(500, 3)));
+        m_frame = std::make_unique<CMainFrame>(m_store, m_prompter, m_host, m_clock);
+    }
+
+    MemorySettingsStore m_store;
+    FixedClock m_clock{DateTime::fromParts(2026, 11, 1, 12)};
+    ScriptedHost m_host;
+    RecordingPrompter m_prompter{Answer::Yes};
+    QTemporaryDir m_dir;
+    QString m_file;
+    std::unique_ptr<CMainFrame> m_frame;
+};
+
+TEST_F(MainFrameTest, OpensALedgerIntoTheList)
+{
+    ASSERT_TRUE(m_frame->openLedger(m_file));
+    auto* table = m_frame->view().table();
+    QAbstractItemModelTester tester(table->model(), QAbstractItemModelTester::FailureReportingMode::Fatal);
+    EXPECT_EQ(table->model()->rowCount(), 500);
+    EXPECT_EQ(table->model()->columnCount(), 12);
+    EXPECT_EQ(table->model()->headerData(3, Qt::Horizontal).toString(), QStringLiteral("описание"));
+    // Newest entry of the ledger on top, the first one at the bottom, selected.
+    EXPECT_EQ(table->model()->index(0, 0).data().toString(), QStringLiteral("500"));
+    EXPECT_EQ(table->model()->index(499, 0).data().toString(), QStringLiteral("1"));
+    ASSERT_EQ(table->selectionModel()->selectedRows().size(), 1);
+    EXPECT_EQ(table->selectionModel()->selectedRows().at(0).row(), 499);
+    EXPECT_TRUE(table->isColumnHidden(0));
+    EXPECT_FALSE(table->isColumnHidden(2));
+    const auto* income = m_frame->findChild<QLabel*>(QStringLiteral("income"));
+    ASSERT_NE(income, nullptr);
+    EXPECT_TRUE(income->text().endsWith(QStringLiteral(" BGL")));
+    EXPECT_EQ(income->text().toStdString(), m_frame->view().list().totals().incomeText());
+    EXPECT_TRUE(m_frame->windowTitle().startsWith(QStringLiteral("дом.fnr")));
+    EXPECT_TRUE(m_prompter.messages().empty());
+}
+
+TEST_F(MainFrameTest, DeletesTheSelectedRowsAfterAskingAndSaves)
+{
+    ASSERT_TRUE(m_frame->openLedger(m_file));
+    auto* table = m_frame->view().table();
+    table->selectRow(0);
+    EXPECT_TRUE(m_frame->action("actionDeleteSelected")->isEnabled());
+    m_prompter.queue(Answer::No);
+    m_frame->action("actionDeleteSelected")->trigger();
+    EXPECT_EQ(table->model()->rowCount(), 500);
+    m_frame->action("actionDeleteSelected")->trigger();
+    EXPECT_EQ(m_frame->document().operationCount(), 499u);
+    EXPECT_EQ(table->model()->rowCount(), 499);
+    EXPECT_EQ(m_prompter.messages().back().caption, "Потвърдете");
+    EXPECT_TRUE(m_frame->isWindowModified());
+
+    m_frame->action("actionSave")->trigger();
+    EXPECT_FALSE(m_frame->isWindowModified());
+    std::string bytes;
+    ASSERT_TRUE(readWholeFile(m_file.toStdString(), bytes));
+    Ledger reread;
+    ByteReader reader(bytes);
+    ASSERT_EQ(readLedger(reader, reread, [](double) { return true; }).status, ReadStatus::Ok);
+    EXPECT_EQ(reread.operations.size(), 499u);
+}
+
+TEST_F(MainFrameTest, ClosingAModifiedLedgerAsksAndCancelKeepsItOpen)
+{
+    ASSERT_TRUE(m_frame->openLedger(m_file));
+    m_frame->action("actionSelectAll")->trigger();
+    m_frame->action("actionSetPaid")->trigger();
+    EXPECT_TRUE(m_frame->document().isModified());
+    m_prompter.queue(Answer::Cancel);
+    EXPECT_FALSE(m_frame->close());
+    EXPECT_EQ(m_prompter.messages().back().text, DocumentStorage::kSaveChangesText);
+    m_prompter.queue(Answer::No);
+    EXPECT_TRUE(m_frame->close());
+}
+
+TEST_F(MainFrameTest, ANewerFileAsksTheHostToEndTheProgram)
+{
+    const QString newer = m_dir.filePath(QStringLiteral("newer.fnr"));
+    std::string bytes = serializeLedger(Ledger());
+    bytes.replace(0, 8, std::string("\x00\x00\x00\x00\x00\x00\xF8\x3F", 8)); // 1.5
+    writeFile(newer.toStdString(), bytes);
+    EXPECT_FALSE(m_frame->openLedger(newer));
+    EXPECT_EQ(m_host.exits, std::vector<int>{0});
+}
+
+int main(int argc, char** argv)
+{
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication app(argc, argv);
+    ::testing::InitGoogleTest(&argc, argv);
+    return RUN_ALL_TESTS();
+}
