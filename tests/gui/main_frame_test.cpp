@@ -2,6 +2,7 @@
 #include "app/main_frame.h"
 #include "demo/ledger_generator.h"
 #include "model/recording_prompter.h"
+#include "support/scripted_host.h"
 #include "settings/memory_settings_store.h"
 #include "storage/file_io.h"
 #include "storage/ledger_format.h"
@@ -14,29 +15,8 @@
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
-#include <deque>
-
 using namespace finora;
-
-namespace {
-
-class ScriptedHost final : public DocumentHost {
-public:
-    std::optional<std::string> chooseSavePath() override
-    {
-        if (paths.empty()) {
-            return std::nullopt;
-        }
-        auto p = paths.front();
-        paths.pop_front();
-        return p;
-    }
-    void exitProgram(int status) override { exits.push_back(status); }
-    std::deque<std::string> paths;
-    std::vector<int> exits;
-};
-
-} // namespace
+using test::ScriptedHost;
 
 class MainFrameTest : public ::testing::Test {
 protected:

@@ -1,5 +1,6 @@
 #include "ledger_builders.h"
 #include "model/recording_prompter.h"
+#include "support/scripted_host.h"
 #include "settings/memory_settings_store.h"
 #include "storage/document_storage.h"
 #include "storage/file_io.h"
@@ -20,24 +21,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-class ScriptedHost final : public DocumentHost {
-public:
-    std::optional<std::string> chooseSavePath() override
-    {
-        ++dialogs;
-        if (paths.empty()) {
-            return std::nullopt;
-        }
-        auto p = paths.front();
-        paths.pop_front();
-        return p;
-    }
-    void exitProgram(int status) override { exits.push_back(status); }
-
-    std::deque<std::optional<std::string>> paths;
-    int dialogs = 0;
-    std::vector<int> exits;
-};
+using test::ScriptedHost;
 
 std::string readFile(const fs::path& p)
 {
