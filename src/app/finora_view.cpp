@@ -23,7 +23,9 @@ QString qt(const std::string& cp1251Text)
 
 CFinoraView::CFinoraView(CFinoraDoc& doc, Settings& settings, Prompter& prompter, QWidget* parent)
     : QWidget(parent), m_doc(doc), m_settings(settings), m_list(doc, settings, prompter),
-      m_model(m_list, this), m_table(new QTableView(this)), m_income(new QLabel(this)),
+      m_model(m_list, this),
+      m_panel(new FilterPanel(doc, settings, prompter, m_list.criteria(), this)),
+      m_table(new QTableView(this)), m_income(new QLabel(this)),
       m_expense(new QLabel(this)), m_balance(new QLabel(this))
 {
     m_table->setObjectName(QStringLiteral("operationsList"));
@@ -50,7 +52,10 @@ CFinoraView::CFinoraView(CFinoraDoc& doc, Settings& settings, Prompter& prompter
     }
     totals->addStretch();
 
+    m_panel->setOnChanged([this] { refresh(); });
+
     auto* layout = new QVBoxLayout(this);
+    layout->addWidget(m_panel);
     layout->addWidget(m_table, 1);
     layout->addLayout(totals);
     applyColumnVisibility();
@@ -81,6 +86,7 @@ void CFinoraView::refresh()
 void CFinoraView::resetFilter()
 {
     resetCriteria(m_list.criteria(), m_doc, m_doc.clock().now());
+    m_panel->showCriteria();
     refresh();
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/filter_panel.h"
 #include "app/operations_table_model.h"
 #include "query/operations_list.h"
 
@@ -19,6 +20,7 @@ public:
 
     OperationsList& list() { return m_list; }
     QTableView* table() { return m_table; }
+    FilterPanel& filterPanel() { return *m_panel; }
 
     // Rebuilds the list from the ledger and the criteria ("&Опресни", F5).
     void refresh();
@@ -54,6 +56,7 @@ private:
     Settings& m_settings;
     OperationsList m_list;
     OperationsTableModel m_model;
+    FilterPanel* m_panel;
     QTableView* m_table;
     QLabel* m_income;
     QLabel* m_expense;

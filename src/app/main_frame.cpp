@@ -78,6 +78,8 @@ void CMainFrame::createActions()
         {"edit", "actionSetPaid", "&Установи маркираните записи като изплатени", {},
          [this] { m_view->changeRows([this] { return m_view->list().setSelectedPaid(); }); }},
         {"edit", "actionResetFilter", "Без филтър", {}, [this] { m_view->resetFilter(); }},
+        {"edit", "actionAddCategoryToFilter", "Добави тази кате&гория към списъка на избраните ...",
+         QKeySequence(Qt::Key_F2), [this] { m_view->filterPanel().addTreeCategory(); }},
     };
     QMenu* file = menuBar()->addMenu(QStringLiteral("&Файл"));
     QMenu* edit = menuBar()->addMenu(QStringLiteral("&Редакция"));

@@ -9,6 +9,9 @@
 
 #include <QAbstractItemModelTester>
 #include <QAction>
+#include <QCheckBox>
+#include <QPushButton>
+#include <QTreeWidget>
 #include <QApplication>
 #include <QLabel>
 #include <QTableView>
@@ -105,6 +108,59 @@ TEST_F(MainFrameTest, ANewerFileAsksTheHostToEndTheProgram)
     writeFile(newer.toStdString(), bytes);
     EXPECT_FALSE(m_frame->openLedger(newer));
     EXPECT_EQ(m_host.exits, std::vector<int>{0});
+}
+
+TEST_F(MainFrameTest, TheFilterPanelNarrowsTheList)
+{
+    ASSERT_TRUE(m_frame->openLedger(m_file));
+    auto* table = m_frame->view().table();
+    auto* tree = m_frame->findChild<QTreeWidget*>(QStringLiteral("categoryTree"));
+    auto* selected = m_frame->findChild<QTreeWidget*>(QStringLiteral("selectedCategories"));
+    ASSERT_TRUE(tree && selected);
+
+    // F2 with nothing chosen in the tree says so.
+    m_frame->action("actionAddCategoryToFilter")->trigger();
+    EXPECT_EQ(m_prompter.messages().back(),
+              (Message{"Липсва селекция", "Не сте избрали категория от списъка на категориите!",
+                       MessageIcon::Error, MessageButtons::Ok}));
+
+    // A top-level category holds no entries of its own in a generated ledger...
+    QTreeWidgetItem* top = tree->topLevelItem(0);
+    tree->setCurrentItem(top);
+    m_frame->action("actionAddCategoryToFilter")->trigger();
+    m_frame->action("actionAddCategoryToFilter")->trigger(); // twice: one row
+    EXPECT_EQ(selected->topLevelItemCount(), 1);
+    EXPECT_EQ(table->model()->rowCount(), 0);
+    // ...until its subcategories count.
+    m_frame->findChild<QCheckBox*>(QStringLiteral("includeSubcategories"))->setChecked(true);
+    EXPECT_EQ(m_store.readInt("Settings", "ShowDataForSubCategories", 0), 1);
+    const int shown = table->model()->rowCount();
+    EXPECT_GT(shown, 0);
+    EXPECT_LT(shown, 500);
+    // Each shown entry is filed under the top category or one of its children (the cell shows
+    // one level of parent).
+    QStringList parents{top->text(0)};
+    for (int c = 0; c < top->childCount(); ++c) {
+        parents << top->child(c)->text(0);
+    }
+    for (int r = 0; r < shown; ++r) {
+        const QString cell = table->model()->index(r, 5).data().toString();
+        EXPECT_TRUE(parents.contains(cell.section(QStringLiteral(" :: "), 0, 0))) << cell.toStdString();
+    }
+
+    // Emptying the chosen categories shows every entry again.
+    QPushButton* clear = nullptr;
+    for (QPushButton* b : m_frame->findChildren<QPushButton*>()) {
+        if (b->text() == QStringLiteral("изчисти")) {
+            clear = b;
+        }
+    }
+    ASSERT_NE(clear, nullptr);
+    EXPECT_TRUE(clear->isEnabled());
+    clear->click();
+    EXPECT_EQ(selected->topLevelItemCount(), 0);
+    EXPECT_FALSE(clear->isEnabled());
+    EXPECT_EQ(table->model()->rowCount(), 500);
 }
 
 int main(int argc, char** argv)

@@ -1,0 +1,334 @@
+#include "app/filter_panel.h"
+
+#include "storage/filter_file.h"
+#include "text/cp1251.h"
+
+#include <QButtonGroup>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDateEdit>
+#include <QFileDialog>
+#include <QGridLayout>
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QLabel>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QTreeWidget>
+#include <QVBoxLayout>
+
+#include <map>
+
+namespace finora {
+namespace {
+
+QString qt(const std::string& cp1251Text)
+{
+    return QString::fromStdString(cp1251::toUtf8(cp1251Text));
+}
+
+QDate toQDate(const DateTime& dt)
+{
+    DateTimeParts p;
+    return dt.toParts(p) ? QDate(p.year, p.month, p.day) : QDate::currentDate();
+}
+
+DateTime fromQDate(const QDate& d)
+{
+    return DateTime::fromParts(d.year(), d.month(), d.day());
+}
+
+constexpr int kIdRole = Qt::UserRole;
+
+} // namespace
+
+FilterPanel::FilterPanel(CFinoraDoc& doc, Settings& settings, Prompter& prompter,
+                         FilterCriteria& criteria, QWidget* parent)
+    : QWidget(parent), m_doc(doc), m_settings(settings), m_prompter(prompter), m_criteria(criteria),
+      m_type(new QComboBox(this)), m_from(new QDateEdit(this)), m_to(new QDateEdit(this)),
+      m_tree(new QTreeWidget(this)), m_selected(new QTreeWidget(this)),
+      m_subcategories(new QCheckBox(QStringLiteral("включи и подкатегориите"), this)),
+      m_remove(new QPushButton(QStringLiteral("премахни"), this)),
+      m_clear(new QPushButton(QStringLiteral("изчисти"), this)), m_currency(new QComboBox(this))
+{
+    setObjectName(QStringLiteral("filterPanel"));
+    for (const std::string_view choice : kTypeChoices) {
+        m_type->addItem(QString::fromUtf8(choice.data(), static_cast<qsizetype>(choice.size())));
+    }
+    m_type->setObjectName(QStringLiteral("typeFilter"));
+    for (QDateEdit* edit : {m_from, m_to}) {
+        edit->setCalendarPopup(true);
+        edit->setDisplayFormat(QStringLiteral("dd-MM-yyyy"));
+        connect(edit, &QDateEdit::dateChanged, this, [this] { changed(); });
+    }
+    m_from->setObjectName(QStringLiteral("periodFrom"));
+    m_to->setObjectName(QStringLiteral("periodTo"));
+    m_currency->setObjectName(QStringLiteral("currencyFilter"));
+
+    m_tree->setObjectName(QStringLiteral("categoryTree"));
+    m_tree->setHeaderHidden(true);
+    m_selected->setObjectName(QStringLiteral("selectedCategories"));
+    m_selected->setHeaderLabels({QStringLiteral("избрани категории:")});
+    m_selected->setRootIsDecorated(false);
+    m_subcategories->setObjectName(QStringLiteral("includeSubcategories"));
+    m_subcategories->setToolTip(QStringLiteral(
+        "указва, дали програмата да визуализира и данните за подкатегориите на избраните категории..."));
+
+    auto* paidGroup = new QButtonGroup(this);
+    const char* paidTexts[] = {"всички операции", "само платените", "само неплатените"};
+    for (int i = 0; i < 3; ++i) {
+        m_paid[i] = new QRadioButton(QString::fromUtf8(paidTexts[i]), this);
+        paidGroup->addButton(m_paid[i], i);
+    }
+    auto* reset = new QPushButton(QStringLiteral("без филтър"), this);
+    reset->setToolTip(QStringLiteral("изчистване на всички установени филтри ..."));
+    auto* load = new QPushButton(QStringLiteral("зареди"), this);
+    load->setToolTip(QStringLiteral("Зарежда филтри от външен файл ..."));
+    auto* save = new QPushButton(QStringLiteral("запиши"), this);
+    save->setToolTip(QStringLiteral("Записва текущия филтър във външен файл ..."));
+
+    // Left: the simple criteria; middle: the tree; right: the chosen categories.
+    auto* criteriaBox = new QGridLayout;
+    criteriaBox->addWidget(m_type, 0, 0, 1, 2);
+    criteriaBox->addWidget(new QLabel(QStringLiteral("от:"), this), 1, 0);
+    criteriaBox->addWidget(m_from, 1, 1);
+    criteriaBox->addWidget(new QLabel(QStringLiteral("до:"), this), 2, 0);
+    criteriaBox->addWidget(m_to, 2, 1);
+    criteriaBox->addWidget(new QLabel(QStringLiteral("филтриране по валута:"), this), 3, 0, 1, 2);
+    criteriaBox->addWidget(m_currency, 4, 0, 1, 2);
+    auto* paidBox = new QVBoxLayout;
+    for (QRadioButton* radio : m_paid) {
+        paidBox->addWidget(radio);
+    }
+    auto* buttons = new QHBoxLayout;
+    buttons->addWidget(reset);
+    buttons->addWidget(load);
+    buttons->addWidget(save);
+    auto* left = new QVBoxLayout;
+    left->addLayout(criteriaBox);
+    left->addLayout(paidBox);
+    left->addLayout(buttons);
+    left->addStretch();
+
+    auto* selectedButtons = new QHBoxLayout;
+    selectedButtons->addWidget(m_remove);
+    selectedButtons->addWidget(m_clear);
+    auto* right = new QVBoxLayout;
+    right->addWidget(m_selected, 1);
+    right->addWidget(m_subcategories);
+    right->addLayout(selectedButtons);
+
+    auto* layout = new QHBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addLayout(left);
+    layout->addWidget(m_tree, 2);
+    layout->addLayout(right, 1);
+
+    connect(m_type, &QComboBox::currentIndexChanged, this, [this] { changed(); });
+    connect(m_currency, &QComboBox::currentIndexChanged, this, [this] { changed(); });
+    connect(paidGroup, &QButtonGroup::idClicked, this, [this] { changed(); });
+    connect(m_subcategories, &QCheckBox::toggled, this, [this](bool on) {
+        if (!m_showing) {
+            m_settings.setValue(IntSetting::ShowDataForSubCategories, on ? 1 : 0);
+            changed();
+        }
+    });
+    connect(m_tree, &QTreeWidget::itemDoubleClicked, this, [this] { addTreeCategory(); });
+    connect(m_selected, &QTreeWidget::itemSelectionChanged, this, [this] { updateButtons(); });
+    connect(m_selected, &QTreeWidget::itemDoubleClicked, this, [this] { removeSelected(true); });
+    connect(m_remove, &QPushButton::clicked, this, [this] { removeSelected(false); });
+    connect(m_clear, &QPushButton::clicked, this, [this] {
+        m_criteria.categories.clear();
+        fillSelected();
+        changed();
+    });
+    connect(reset, &QPushButton::clicked, this, [this] {
+        resetCriteria(m_criteria, m_doc, m_doc.clock().now());
+        showCriteria();
+        changed();
+    });
+    connect(load, &QPushButton::clicked, this, [this] { loadFilter(); });
+    connect(save, &QPushButton::clicked, this, [this] { saveFilter(); });
+}
+
+void FilterPanel::fillCategoryTree()
+{
+    m_tree->clear();
+    std::map<std::int32_t, QTreeWidgetItem*> items;
+    for (const Category& c : m_doc.ledger().categories) {
+        if (items.count(c.id())) {
+            continue; // a repeated id: lookups see its first record
+        }
+        auto* item = new QTreeWidgetItem({qt(c.name())});
+        item->setData(0, kIdRole, c.id());
+        items.emplace(c.id(), item);
+    }
+    for (const Category& c : m_doc.ledger().categories) {
+        QTreeWidgetItem* item = items.at(c.id());
+        if (item->parent() || item->treeWidget()) {
+            continue;
+        }
+        const auto parent = items.find(c.parentId());
+        // Parents missing from the ledger, and a hand-made cycle, put the category at the top.
+        if (c.parentId() != 0 && parent != items.end() && !m_doc.isDescendant(c.parentId(), c.id())) {
+            parent->second->addChild(item);
+        } else {
+            m_tree->addTopLevelItem(item);
+        }
+    }
+    for (auto& [id, item] : items) {
+        if (!item->parent() && !item->treeWidget()) {
+            m_tree->addTopLevelItem(item);
+        }
+    }
+    m_tree->sortItems(0, Qt::AscendingOrder);
+    m_tree->expandAll();
+}
+
+void FilterPanel::fillCurrencies()
+{
+    m_currency->clear();
+    m_currency->addItem(qt(allCurrenciesItem()));
+    QStringList names;
+    names << QStringLiteral("BGL");
+    for (const Currency& c : m_doc.ledger().currencies) {
+        names << qt(c.name());
+    }
+    names.sort();
+    names.removeDuplicates();
+    m_currency->addItems(names);
+    const QString current = qt(m_criteria.allCurrencies() ? allCurrenciesItem() : m_criteria.currency);
+    if (m_currency->findText(current) < 0) {
+        m_currency->addItem(current); // a loaded filter may name a currency the ledger lacks
+    }
+    m_currency->setCurrentText(current);
+}
+
+void FilterPanel::fillSelected()
+{
+    m_selected->clear();
+    for (std::int32_t id : m_criteria.categories) {
+        auto* item = new QTreeWidgetItem({qt(m_doc.categoryName(id))});
+        item->setData(0, kIdRole, id);
+        m_selected->addTopLevelItem(item);
+    }
+    updateButtons();
+}
+
+void FilterPanel::showCriteria()
+{
+    m_showing = true;
+    m_type->setCurrentIndex(std::clamp(m_criteria.typeFilter, 0, 2));
+    m_from->setDate(toQDate(m_criteria.from));
+    m_to->setDate(toQDate(m_criteria.to));
+    m_paid[std::clamp(m_criteria.paidState, 0, 2)]->setChecked(true);
+    m_subcategories->setChecked(m_settings.isOn(IntSetting::ShowDataForSubCategories));
+    fillCategoryTree();
+    fillCurrencies();
+    fillSelected();
+    m_showing = false;
+}
+
+void FilterPanel::takeValues()
+{
+    m_criteria.typeFilter = m_type->currentIndex() < 0 ? 0 : m_type->currentIndex();
+    m_criteria.from = fromQDate(m_from->date());
+    m_criteria.to = fromQDate(m_to->date());
+    for (int i = 0; i < 3; ++i) {
+        if (m_paid[i]->isChecked()) {
+            m_criteria.paidState = i;
+        }
+    }
+    const QString currency = m_currency->currentText();
+    // An empty choice means the main currency alone, not all of them.
+    m_criteria.currency = currency.isEmpty() ? std::string("BGL")
+                                             : cp1251::fromUtf8OrThrow(currency.toStdString());
+}
+
+void FilterPanel::changed()
+{
+    if (m_showing) {
+        return;
+    }
+    takeValues();
+    updateButtons();
+    if (m_onChanged) {
+        m_onChanged();
+    }
+}
+
+void FilterPanel::updateButtons()
+{
+    m_remove->setEnabled(!m_selected->selectedItems().isEmpty());
+    m_clear->setEnabled(m_selected->topLevelItemCount() > 0);
+}
+
+void FilterPanel::addTreeCategory()
+{
+    QTreeWidgetItem* item = m_tree->currentItem();
+    if (!item || !item->isSelected()) {
+        m_prompter.error(kNoCategoryText, kNoCategoryCaption);
+        return;
+    }
+    const auto id = item->data(0, kIdRole).toInt();
+    if (std::find(m_criteria.categories.begin(), m_criteria.categories.end(), id) !=
+        m_criteria.categories.end()) {
+        return;
+    }
+    m_criteria.categories.insert(m_criteria.categories.begin(), id);
+    fillSelected();
+    changed();
+}
+
+void FilterPanel::removeSelected(bool ask)
+{
+    const QList<QTreeWidgetItem*> items = m_selected->selectedItems();
+    if (items.isEmpty()) {
+        return;
+    }
+    if (ask && m_prompter.askYesNo("Сигурни сте, че желаете да премахнете избраната категория?",
+                                   "Потвърдете", MessageIcon::Question) != Answer::Yes) {
+        return;
+    }
+    const int row = m_selected->indexOfTopLevelItem(items.first());
+    m_criteria.categories.erase(m_criteria.categories.begin() + row);
+    fillSelected();
+    changed();
+}
+
+void FilterPanel::saveFilter()
+{
+    const QString path = QFileDialog::getSaveFileName(this, QString(), QString(),
+                                                      QString::fromUtf8(kFilterFileFilter));
+    if (path.isEmpty()) {
+        return;
+    }
+    StoredFilter f{m_criteria, m_settings.isOn(IntSetting::ShowDataForSubCategories)};
+    FileError error = FileError::None;
+    if (!saveFilterFile(path.toStdString(), f, &error)) {
+        m_prompter.error("Филтърът не може да бъде записан в „" + path.toStdString() + "“.\n" +
+                         describe(error));
+    }
+}
+
+void FilterPanel::loadFilter()
+{
+    const QString path = QFileDialog::getOpenFileName(this, QString(), QString(),
+                                                      QString::fromUtf8(kFilterFileFilter));
+    if (path.isEmpty()) {
+        return;
+    }
+    StoredFilter f;
+    FileError error = FileError::None;
+    const FilterLoad result = loadFilterFile(path.toStdString(), f, &error);
+    if (result != FilterLoad::Ok) {
+        m_prompter.error(filterLoadMessage(result, path.toStdString(), error));
+        return;
+    }
+    m_criteria = f.criteria;
+    m_settings.setValue(IntSetting::ShowDataForSubCategories, f.includeSubcategories ? 1 : 0);
+    showCriteria();
+    changed();
+}
+
+} // namespace finora
