@@ -1,0 +1,74 @@
+#include "lock/lock_commands.h"
+
+namespace finora {
+namespace {
+
+void tellWrongPassword(Prompter& prompter)
+{
+    prompter.error("Указаната парола не е валидна за този документ!", "Грешна парола");
+}
+
+} // namespace
+
+bool temporaryUnlockCommand(CFinoraDoc& doc, Prompter& prompter, const PasswordAsker& ask)
+{
+    if (!doc.isLocked()) {
+        // Only reachable when the disabled command is sent anyway.
+        doc.setUnlocked(false);
+        prompter.inform("Документът беше заключен отново.", "Заключен!");
+        return true;
+    }
+    const auto password = ask(false);
+    if (!password) {
+        return false;
+    }
+    if (!doc.checkLock(*password, CFinoraDoc::LockCheck::TemporaryUnlock)) {
+        tellWrongPassword(prompter);
+        return false;
+    }
+    prompter.inform("Документът е временно отключен.", "Временно достъпен!");
+    return true;
+}
+
+bool permanentProtectionCommand(CFinoraDoc& doc, Prompter& prompter, const PasswordAsker& ask)
+{
+    if (doc.lockText().empty()) {
+        const auto password = ask(true);
+        if (!password) {
+            return false;
+        }
+        doc.setLock(*password);
+        doc.setUnlocked(false); // locked at once
+        prompter.inform("Документът е заключен. Запишете го, за да съхраните защитата!", "Успех");
+        return true;
+    }
+    const auto password = ask(false);
+    if (!password) {
+        return false;
+    }
+    if (!doc.checkLock(*password, CFinoraDoc::LockCheck::RemoveProtection)) {
+        tellWrongPassword(prompter);
+        return false;
+    }
+    prompter.inform("Документът вече не е защитен с парола.", "Постоянно достъпен!");
+    return true;
+}
+
+std::string temporaryUnlockMenuText(const CFinoraDoc& doc)
+{
+    return doc.isLocked() ? "Временно откл&ючване\tF12" : "&Заключи\tF12";
+}
+
+std::string permanentProtectionMenuText(const CFinoraDoc& doc)
+{
+    return doc.lockText().empty() ? "Задаване на постоянна защита" : "Премахване на постоянната защита";
+}
+
+void tellProtected(Prompter& prompter)
+{
+    prompter.inform("Този документ е защитен с парола. Изберете \"Отключване\" от менюто "
+                    "\"Настройки\", за да го отключите.",
+                    "Защита");
+}
+
+} // namespace finora

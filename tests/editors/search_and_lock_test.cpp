@@ -1,0 +1,109 @@
+#include "editors/search_editor.h"
+#include "lock/lock_commands.h"
+#include "model/recording_prompter.h"
+
+#include <gtest/gtest.h>
+
+using namespace finora;
+
+TEST(SearchEditor, StartsFromTheLastTextAndCaseOnly)
+{
+    RecordingPrompter prompter;
+    SearchEditor e(prompter, "пазар", true);
+    EXPECT_EQ(e.request().text, "пазар");
+    EXPECT_TRUE(e.request().caseSensitive);
+    EXPECT_EQ(e.request().mode, SearchRequest::And);
+    EXPECT_FALSE(e.request().exactPhrase);
+    EXPECT_FALSE(e.request().inDescription || e.request().inNotes || e.request().inCurrency);
+    EXPECT_FALSE(e.request().showOnlyMatching);
+}
+
+TEST(SearchEditor, OrAndTheExactPhraseExcludeEachOther)
+{
+    RecordingPrompter prompter;
+    SearchEditor e(prompter, "", false);
+    e.chooseMode(SearchRequest::Not);
+    e.setExactPhrase(true);
+    prompter.queue(Answer::No);
+    e.chooseMode(SearchRequest::Or);
+    EXPECT_EQ(e.request().mode, SearchRequest::Not); // the previous mode stays
+    EXPECT_TRUE(e.request().exactPhrase);
+    EXPECT_EQ(prompter.messages().back(),
+              (Message{"Изберете",
+                       "В режим на търсене OR, опцията \"търси същата фраза\" е неприложима. Желаете "
+                       "ли да бъде деактивирана?",
+                       MessageIcon::Question, MessageButtons::YesNo}));
+    prompter.queue(Answer::Yes);
+    e.chooseMode(SearchRequest::Or);
+    EXPECT_EQ(e.request().mode, SearchRequest::Or);
+    EXPECT_FALSE(e.request().exactPhrase);
+
+    e.setExactPhrase(true);
+    EXPECT_FALSE(e.request().exactPhrase);
+    EXPECT_EQ(prompter.messages().back(),
+              (Message{"Невалиден избор", "Съчетанието на тази опция с операция OR е несъвместимо!",
+                       MessageIcon::Error, MessageButtons::Ok}));
+}
+
+TEST(SearchEditor, AtLeastOneFieldIsRequiredAndAnEmptyTextIsFine)
+{
+    RecordingPrompter prompter;
+    SearchEditor e(prompter, "", false);
+    EXPECT_FALSE(e.accept());
+    EXPECT_EQ(prompter.messages().back().caption, "Липсва избор");
+    e.setFields(false, false, true);
+    EXPECT_TRUE(e.accept());
+}
+
+TEST(PasswordDialog, LockModeWantsTheSamePasswordTwice)
+{
+    RecordingPrompter prompter;
+    EXPECT_FALSE(acceptPassword(true, "abc", "abd", prompter));
+    EXPECT_EQ(prompter.messages().back(),
+              (Message{"Грешка", "Двете пароли не съвпадат", MessageIcon::Error, MessageButtons::Ok}));
+    EXPECT_TRUE(acceptPassword(true, "", "", prompter));
+    EXPECT_TRUE(acceptPassword(false, "abc", "ignored", prompter));
+}
+
+TEST(LockCommands, SetUnlockAndRemoveTheProtection)
+{
+    FixedClock clock(DateTime::fromParts(2025, 1, 1));
+    CFinoraDoc doc(clock);
+    RecordingPrompter prompter;
+    std::optional<std::string> typed;
+    bool askedLockMode = false;
+    const PasswordAsker ask = [&](bool lockMode) {
+        askedLockMode = lockMode;
+        return typed;
+    };
+    EXPECT_EQ(permanentProtectionMenuText(doc), "Задаване на постоянна защита");
+    EXPECT_FALSE(permanentProtectionCommand(doc, prompter, ask)); // cancelled
+    EXPECT_TRUE(prompter.messages().empty());
+
+    typed = "тайна";
+    EXPECT_TRUE(permanentProtectionCommand(doc, prompter, ask));
+    EXPECT_TRUE(askedLockMode);
+    EXPECT_TRUE(doc.isLocked());
+    EXPECT_FALSE(doc.isModified()); // reaches the file with the next save
+    EXPECT_EQ(prompter.messages().back().caption, "Успех");
+    EXPECT_EQ(temporaryUnlockMenuText(doc), "Временно откл&ючване\tF12");
+    EXPECT_EQ(permanentProtectionMenuText(doc), "Премахване на постоянната защита");
+
+    typed = "грешна";
+    EXPECT_FALSE(temporaryUnlockCommand(doc, prompter, ask));
+    EXPECT_EQ(prompter.messages().back(),
+              (Message{"Грешна парола", "Указаната парола не е валидна за този документ!",
+                       MessageIcon::Error, MessageButtons::Ok}));
+    EXPECT_TRUE(doc.isLocked());
+    typed = "тайна";
+    EXPECT_TRUE(temporaryUnlockCommand(doc, prompter, ask));
+    EXPECT_FALSE(askedLockMode);
+    EXPECT_FALSE(doc.isLocked());
+    EXPECT_EQ(prompter.messages().back().caption, "Временно достъпен!");
+
+    // Removing works from the unlocked state and marks the ledger changed.
+    EXPECT_TRUE(permanentProtectionCommand(doc, prompter, ask));
+    EXPECT_EQ(doc.lockText(), "");
+    EXPECT_TRUE(doc.isModified());
+    EXPECT_EQ(prompter.messages().back().caption, "Постоянно достъпен!");
+}
