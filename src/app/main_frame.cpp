@@ -1,6 +1,10 @@
 #include "app/main_frame.h"
 
 #include "app/qt_document_host.h"
+#include "editors/amount_filter_dialog.h"
+#include "editors/password_dialog.h"
+#include "editors/search_dialog.h"
+#include "lock/lock_commands.h"
 
 #include <QAction>
 #include <QCloseEvent>
@@ -78,13 +82,40 @@ void CMainFrame::createActions()
         {"edit", "actionSetPaid", "&Установи маркираните записи като изплатени", {},
          [this] { m_view->changeRows([this] { return m_view->list().setSelectedPaid(); }); }},
         {"edit", "actionResetFilter", "Без филтър", {}, [this] { m_view->resetFilter(); }},
+        {"edit", nullptr, nullptr, {}, {}},
+        {"edit", "actionSearch", "Т&ърси", QKeySequence(Qt::Key_F3), [this] { search(); }},
+        {"edit", "actionAmountFilter", "&Филтриране по сума ...", QKeySequence(Qt::SHIFT | Qt::Key_F3),
+         [this] { filterByAmount(); }},
+        {"edit", "actionTodayOnly", "Пока&жи само днешните операции", QKeySequence(Qt::CTRL | Qt::Key_D),
+         [this] {
+             todayOnly(m_view->list().criteria(), m_doc.clock().now());
+             m_view->filterPanel().showCriteria();
+             m_view->refresh();
+         }},
+        {"settings", "actionTemporaryUnlock", "&Заключи", QKeySequence(Qt::Key_F12),
+         [this] {
+             if (temporaryUnlockCommand(m_doc, m_prompter, askPassword())) {
+                 m_view->resetFilter();
+             }
+         }},
+        {"settings", "actionPermanentProtection", "Задаване на постоянна защита", {},
+         [this] {
+             if (permanentProtectionCommand(m_doc, m_prompter, askPassword())) {
+                 m_view->resetFilter();
+             }
+         }},
+        {"settings", nullptr, nullptr, {}, {}},
+        {"settings", "actionAutoSave", "Автоматичен запис след вс&яка операция", {},
+         [this] { m_settings.toggle(IntSetting::AutoSave); }},
         {"edit", "actionAddCategoryToFilter", "Добави тази кате&гория към списъка на избраните ...",
          QKeySequence(Qt::Key_F2), [this] { m_view->filterPanel().addTreeCategory(); }},
     };
     QMenu* file = menuBar()->addMenu(QStringLiteral("&Файл"));
     QMenu* edit = menuBar()->addMenu(QStringLiteral("&Редакция"));
+    QMenu* settings = menuBar()->addMenu(QStringLiteral("&Настройки"));
     for (const Command& c : commands) {
-        QMenu* menu = std::string_view(c.menu) == "file" ? file : edit;
+        const std::string_view menuName(c.menu);
+        QMenu* menu = menuName == "file" ? file : menuName == "edit" ? edit : settings;
         if (!c.name) {
             menu->addSeparator();
             continue;
@@ -95,10 +126,67 @@ void CMainFrame::createActions()
         connect(action, &QAction::triggered, this, c.run);
         menu->addAction(action);
     }
+    action("actionAutoSave")->setCheckable(true);
+    connect(settings, &QMenu::aboutToShow, this, [this] { updateCommands(); });
+
+    // "Визуализирани полета": one toggle a column, and all of them back at once.
+    QMenu* columns = settings->addMenu(QStringLiteral("Визуализирани полета"));
+    const char* columnTexts[] = {"Дата", "Описание", "Тип", "Категория", "Сума", "Валута",
+                                 "Сума в BGL", "Забележки", "Последна модификация", "Изплатено"};
+    for (std::size_t i = 0; i < kColumnCount; ++i) {
+        const auto column = static_cast<Column>(i);
+        auto* toggle = columns->addAction(QString::fromUtf8(columnTexts[i]));
+        toggle->setObjectName(QStringLiteral("actionColumn") + QString::number(i));
+        toggle->setCheckable(true);
+        connect(toggle, &QAction::triggered, this, [this, column] {
+            m_settings.setColumnShown(column, !m_settings.columnShown(column));
+            m_view->applyColumnVisibility();
+        });
+        connect(columns, &QMenu::aboutToShow, toggle,
+                [this, toggle, column] { toggle->setChecked(m_settings.columnShown(column)); });
+    }
+    columns->addSeparator();
+    connect(columns->addAction(QStringLiteral("Покажи всички колони")), &QAction::triggered, this, [this] {
+        for (std::size_t i = 0; i < kColumnCount; ++i) {
+            m_settings.setColumnShown(static_cast<Column>(i), true);
+        }
+        m_view->applyColumnVisibility();
+    });
+
     // The second main menu is the list's context menu too.
     m_view->table()->setContextMenuPolicy(Qt::CustomContextMenu);
     connect(m_view->table(), &QWidget::customContextMenuRequested, this,
             [this, edit](const QPoint& pos) { edit->exec(m_view->table()->viewport()->mapToGlobal(pos)); });
+}
+
+PasswordAsker CMainFrame::askPassword()
+{
+    return [this](bool lockMode) { return PasswordDialog::ask(lockMode, m_prompter, this); };
+}
+
+void CMainFrame::search()
+{
+    OperationsList& list = m_view->list();
+    SearchEditor editor(m_prompter, list.lastSearchText(), list.lastSearchCaseSensitive());
+    SearchDialog dialog(editor, this);
+    if (dialog.exec() == QDialog::Accepted) {
+        m_view->changeRows([&] {
+            list.search(editor.request());
+            return true;
+        });
+    }
+}
+
+void CMainFrame::filterByAmount()
+{
+    AmountFilterDialog dialog(m_prompter, this);
+    if (dialog.exec() == QDialog::Accepted) {
+        const AmountFilterRequest r = dialog.request();
+        m_view->changeRows([&] {
+            m_view->list().filterByAmount(r.amount, r.tolerance, r.alsoBgl);
+            return true;
+        });
+    }
 }
 
 void CMainFrame::updateCommands()
@@ -106,6 +194,14 @@ void CMainFrame::updateCommands()
     const OperationsList& list = m_view->list();
     const bool anyRow = list.rowCount() > 0;
     const bool anySelected = list.selectedCount() > 0;
+    action("actionSearch")->setEnabled(anyRow);
+    action("actionAmountFilter")->setEnabled(anyRow);
+    // A temporary unlock lasts until the ledger is closed: there is no way back from the menu.
+    action("actionTemporaryUnlock")->setEnabled(m_doc.isLocked());
+    action("actionTemporaryUnlock")->setText(
+        QString::fromStdString(temporaryUnlockMenuText(m_doc)).section(QLatin1Char('\t'), 0, 0));
+    action("actionPermanentProtection")->setText(QString::fromStdString(permanentProtectionMenuText(m_doc)));
+    action("actionAutoSave")->setChecked(m_settings.isOn(IntSetting::AutoSave));
     action("actionDeleteAll")->setEnabled(m_doc.operationCount() > 0);
     action("actionDeleteShown")->setEnabled(anyRow);
     action("actionSelectAll")->setEnabled(anyRow);
@@ -143,6 +239,9 @@ bool CMainFrame::openLedger(const QString& path)
     m_doc.setUnlocked(false);
     const auto result = m_storage.open(path.toStdString());
     m_view->resetFilter();
+    if (result == DocumentStorage::OpenResult::Opened && m_doc.isLocked()) {
+        tellProtected(m_prompter);
+    }
     return result == DocumentStorage::OpenResult::Opened;
 }
 

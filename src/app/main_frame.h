@@ -6,6 +6,7 @@
 #include "model/finora_doc.h"
 #include "settings/settings.h"
 #include "storage/backup_writer.h"
+#include "lock/lock_commands.h"
 #include "storage/document_storage.h"
 
 #include <QMainWindow>
@@ -44,6 +45,9 @@ private:
     void updateCommands();
     void openWithDialog();
     void saveAs();
+    void search();
+    void filterByAmount();
+    PasswordAsker askPassword();
 
     Settings m_settings;
     Prompter& m_prompter;

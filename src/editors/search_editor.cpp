@@ -1,5 +1,10 @@
 #include "editors/search_editor.h"
 
+#include "text/cp1251.h"
+
+#include <charconv>
+#include <cmath>
+
 namespace finora {
 
 SearchEditor::SearchEditor(Prompter& prompter, std::string lastText, bool lastCaseSensitive)
@@ -9,6 +14,16 @@ SearchEditor::SearchEditor(Prompter& prompter, std::string lastText, bool lastCa
     m_request.text = std::move(lastText);
     m_request.caseSensitive = lastCaseSensitive;
     m_request.inDescription = false;
+}
+
+bool SearchEditor::setTypedText(std::string_view utf8)
+{
+    auto text = typedText(utf8, m_prompter);
+    if (!text) {
+        return false;
+    }
+    m_request.text = std::move(*text);
+    return true;
 }
 
 void SearchEditor::chooseMode(int mode)
@@ -59,6 +74,60 @@ bool acceptPassword(bool lockMode, std::string_view password, std::string_view r
         prompter.error("Двете пароли не съвпадат", "Грешка");
         return false;
     }
+    return true;
+}
+
+std::optional<std::string> typedText(std::string_view utf8, Prompter& prompter)
+{
+    std::string out;
+    cp1251::EncodeError error;
+    if (!cp1251::fromUtf8(utf8, out, &error)) {
+        prompter.error(error.message(), "Невалиден текст");
+        return std::nullopt;
+    }
+    return out;
+}
+
+namespace {
+
+bool readNumberField(std::string_view text, double& value)
+{
+    std::string s(text);
+    // Trim, and take a decimal comma for a point.
+    const auto first = s.find_first_not_of(" \t");
+    const auto last = s.find_last_not_of(" \t");
+    s = first == std::string::npos ? std::string() : s.substr(first, last - first + 1);
+    for (char& c : s) {
+        if (c == ',') {
+            c = '.';
+        }
+    }
+    if (!s.empty() && s[0] == '+') {
+        s.erase(0, 1);
+    }
+    const auto result = std::from_chars(s.data(), s.data() + s.size(), value);
+    return !s.empty() && result.ec == std::errc() && result.ptr == s.data() + s.size() &&
+           std::isfinite(value);
+}
+
+} // namespace
+
+bool readAmountFilter(std::string_view amount, std::string_view tolerance, bool alsoBgl,
+                      Prompter& prompter, AmountFilterRequest& request)
+{
+    AmountFilterRequest r;
+    r.alsoBgl = alsoBgl;
+    if (!readNumberField(amount, r.amount)) {
+        prompter.error("В полето \"суми в размер на:\" трябва да има число, например 12.50.",
+                       "Невалидна стойност");
+        return false;
+    }
+    if (!readNumberField(tolerance, r.tolerance)) {
+        prompter.error("В полето \"толеранс ±\" трябва да има число, например 0.50.",
+                       "Невалидна стойност");
+        return false;
+    }
+    request = r;
     return true;
 }
 

@@ -1,6 +1,7 @@
 #include "editors/search_editor.h"
 #include "lock/lock_commands.h"
 #include "model/recording_prompter.h"
+#include "text/cp1251.h"
 
 #include <gtest/gtest.h>
 
@@ -106,4 +107,35 @@ TEST(LockCommands, SetUnlockAndRemoveTheProtection)
     EXPECT_EQ(doc.lockText(), "");
     EXPECT_TRUE(doc.isModified());
     EXPECT_EQ(prompter.messages().back().caption, "Постоянно достъпен!");
+}
+
+TEST(AmountFilterDialog, NumbersWithAPointOrACommaAndNothingElse)
+{
+    RecordingPrompter prompter;
+    AmountFilterRequest r;
+    ASSERT_TRUE(readAmountFilter(" 97,79 ", "0.5", true, prompter, r));
+    EXPECT_EQ(r.amount, 97.79);
+    EXPECT_EQ(r.tolerance, 0.5);
+    EXPECT_TRUE(r.alsoBgl);
+    ASSERT_TRUE(readAmountFilter("-3", "-1", false, prompter, r)); // a negative tolerance is allowed
+    EXPECT_EQ(r.tolerance, -1.0);
+    EXPECT_TRUE(prompter.messages().empty());
+
+    r = AmountFilterRequest{1, 2, false};
+    for (const auto& [amount, tolerance] : {std::pair{"", "0"}, std::pair{"12a", "0"},
+                                            std::pair{"1.2.3", "0"}, std::pair{"inf", "0"},
+                                            std::pair{"5", "x"}}) {
+        EXPECT_FALSE(readAmountFilter(amount, tolerance, false, prompter, r)) << amount << tolerance;
+        EXPECT_EQ(r.amount, 1.0); // nothing taken
+    }
+    EXPECT_NE(prompter.messages().back().text.find("толеранс"), std::string::npos);
+}
+
+TEST(TypedText, IsRefusedWithTheCharactersNamed)
+{
+    RecordingPrompter prompter;
+    EXPECT_EQ(typedText("Пазар", prompter), cp1251::fromUtf8OrThrow("Пазар"));
+    EXPECT_FALSE(typedText("кафе ☕", prompter));
+    EXPECT_EQ(prompter.messages().back().caption, "Невалиден текст");
+    EXPECT_NE(prompter.messages().back().text.find("☕"), std::string::npos);
 }

@@ -9,6 +9,9 @@
 
 #include <QAbstractItemModelTester>
 #include <QAction>
+#include <QDialog>
+#include <QLineEdit>
+#include <QTimer>
 #include <QCheckBox>
 #include <QPushButton>
 #include <QTreeWidget>
@@ -161,6 +164,70 @@ TEST_F(MainFrameTest, TheFilterPanelNarrowsTheList)
     EXPECT_EQ(selected->topLevelItemCount(), 0);
     EXPECT_FALSE(clear->isEnabled());
     EXPECT_EQ(table->model()->rowCount(), 500);
+}
+
+namespace {
+
+// Runs `fill` on the modal dialog that the next action opens.
+void answerNextDialog(std::function<void(QDialog*)> fill)
+{
+    QTimer::singleShot(0, [fill] {
+        auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+        ASSERT_NE(dialog, nullptr);
+        fill(dialog);
+    });
+}
+
+} // namespace
+
+TEST_F(MainFrameTest, SearchAndProtectionThroughTheirDialogs)
+{
+    ASSERT_TRUE(m_frame->openLedger(m_file));
+    auto* table = m_frame->view().table();
+    answerNextDialog([](QDialog* d) {
+        EXPECT_EQ(d->windowTitle(), QStringLiteral("Търсене"));
+        d->findChild<QLineEdit*>()->setText(QStringLiteral("ПАЗАР"));
+        for (QCheckBox* box : d->findChildren<QCheckBox*>()) {
+            if (box->text() == QStringLiteral("описание") ||
+                box->text() == QStringLiteral("показвай само съвпадащите редове")) {
+                box->setChecked(true);
+            }
+        }
+        d->accept();
+    });
+    m_frame->action("actionSearch")->trigger();
+    const int found = table->model()->rowCount();
+    EXPECT_GT(found, 0);
+    EXPECT_LT(found, 500);
+    for (int r = 0; r < found; ++r) {
+        EXPECT_TRUE(table->model()->index(r, 3).data().toString().contains(QStringLiteral("пазар"), Qt::CaseInsensitive));
+    }
+    EXPECT_EQ(m_prompter.messages().back().text, OperationsList::kSearchDoneText);
+
+    // Lock with a password typed twice: the list empties and F12 becomes the way back in.
+    answerNextDialog([](QDialog* d) {
+        EXPECT_EQ(d->windowTitle(), QStringLiteral("Заключване"));
+        for (QLineEdit* field : d->findChildren<QLineEdit*>()) {
+            field->setText(QStringLiteral("тайна"));
+        }
+        d->accept();
+    });
+    m_frame->action("actionPermanentProtection")->trigger();
+    EXPECT_TRUE(m_frame->document().isLocked());
+    EXPECT_EQ(table->model()->rowCount(), 0);
+    EXPECT_TRUE(m_frame->action("actionTemporaryUnlock")->isEnabled());
+    EXPECT_EQ(m_frame->action("actionPermanentProtection")->text(),
+              QStringLiteral("Премахване на постоянната защита"));
+
+    answerNextDialog([](QDialog* d) {
+        EXPECT_EQ(d->windowTitle(), QStringLiteral("Отключване"));
+        d->findChildren<QLineEdit*>().at(0)->setText(QStringLiteral("тайна"));
+        d->accept();
+    });
+    m_frame->action("actionTemporaryUnlock")->trigger();
+    EXPECT_FALSE(m_frame->document().isLocked());
+    EXPECT_EQ(table->model()->rowCount(), 500);
+    EXPECT_FALSE(m_frame->action("actionTemporaryUnlock")->isEnabled());
 }
 
 int main(int argc, char** argv)
