@@ -168,12 +168,17 @@ TEST_F(MainFrameTest, TheFilterPanelNarrowsTheList)
 
 namespace {
 
-// Runs `fill` on the modal dialog that the next action opens.
+// Runs `fill` on the modal dialog that the next action opens. With FINORA_SHOTS_DIR set, a
+// picture of the dialog is saved there first, to look at what the user sees.
 void answerNextDialog(std::function<void(QDialog*)> fill)
 {
     QTimer::singleShot(0, [fill] {
         auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
         ASSERT_NE(dialog, nullptr);
+        const QString shots = qEnvironmentVariable("FINORA_SHOTS_DIR");
+        if (!shots.isEmpty()) {
+            dialog->grab().save(shots + QLatin1Char('/') + dialog->windowTitle() + QStringLiteral(".png"));
+        }
         fill(dialog);
     });
 }
