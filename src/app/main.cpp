@@ -4,7 +4,6 @@
 #include "app/qt_settings_store.h"
 
 #include <QApplication>
-#include <QStringList>
 
 int main(int argc, char** argv)
 {
@@ -20,9 +19,8 @@ int main(int argc, char** argv)
     prompter.setParent(&frame);
     host.setParent(&frame);
 
-    const QStringList args = QApplication::arguments();
-    if (args.size() > 1 && !frame.openLedger(args.at(1))) {
-        return 1;
+    if (!frame.startUp(QApplication::arguments())) {
+        return 1; // a ledger named on the command line that cannot be opened ends start-up
     }
     frame.showMaximized();
     return QApplication::exec();

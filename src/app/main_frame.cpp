@@ -5,9 +5,17 @@
 #include "editors/password_dialog.h"
 #include "editors/search_dialog.h"
 #include "lock/lock_commands.h"
+#include "lock/lock_guard.h"
+#include "storage/file_io.h"
+#include "storage/ledger_import.h"
 
 #include <QAction>
 #include <QCloseEvent>
+#include <QDragEnterEvent>
+#include <QDropEvent>
+#include <QMimeData>
+#include <QProcess>
+#include <QStandardPaths>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QMenuBar>
@@ -20,8 +28,9 @@ CMainFrame::CMainFrame(SettingsStore& store, Prompter& prompter, DocumentHost& h
                        const Clock& clock, QWidget* parent)
     : QMainWindow(parent), m_settings(store), m_prompter(prompter), m_host(host), m_doc(clock),
       m_storage(m_doc, m_settings, m_prompter, m_host, m_backups),
-      m_view(new CFinoraView(m_doc, m_settings, m_prompter, this))
+      m_view(new CFinoraView(m_doc, m_settings, m_prompter, this)), m_store(store)
 {
+    setAcceptDrops(true);
     setObjectName(QStringLiteral("mainFrame"));
     setCentralWidget(m_view);
     m_storage.attach();
@@ -60,6 +69,9 @@ void CMainFrame::createActions()
              updateTitle();
          }},
         {"file", "actionSaveAs", "Запиши &като ...", {}, [this] { saveAs(); }},
+        {"file", nullptr, nullptr, {}, {}},
+        {"file", "actionImport", "&Импортиране на данни от друг документ ...", {},
+         [this] { importLedgerFile(); }},
         {"file", nullptr, nullptr, {}, {}},
         {"file", "actionExit", "Из&ход", {}, [this] { close(); }},
         {"edit", "actionRefresh", "&Опресни", QKeySequence(Qt::Key_F5), [this] { m_view->refresh(); }},
@@ -107,6 +119,35 @@ void CMainFrame::createActions()
         {"settings", nullptr, nullptr, {}, {}},
         {"settings", "actionAutoSave", "Автоматичен запис след вс&яка операция", {},
          [this] { m_settings.toggle(IntSetting::AutoSave); }},
+        {"settings", "actionAutoOpen", "Отваряй последния използван документ при стартиране", {},
+         [this] { m_settings.toggle(IntSetting::AutoOpen); }},
+        {"settings", "actionShowToday", "Показвай днешните операции при отваряне", {},
+         [this] { m_settings.toggle(IntSetting::ShowForTodayOnOpen); }},
+        {"settings", "actionSubcategories", "Вкл&ючвай и подкатегориите при избор на категория", {},
+         [this] {
+             m_settings.toggle(IntSetting::ShowDataForSubCategories);
+             m_view->filterPanel().showCriteria();
+             m_view->refresh();
+         }},
+        {"settings", nullptr, nullptr, {}, {}},
+        {"settings", "actionSuggestNone", "Не предлагай валутен курс, аз ще попълня сам", {},
+         [this] { m_settings.setValue(IntSetting::FixingSuggestMode, 0); }},
+        {"settings", "actionSuggestLast", "Автоматично предлагай последния използван курс", {},
+         [this] { m_settings.setValue(IntSetting::FixingSuggestMode, 1); }},
+        {"settings", "actionSuggestAverage", "Автоматично предлагай усреднен курс ...", {},
+         [this] { m_settings.setValue(IntSetting::FixingSuggestMode, 2); }},
+        {"settings", "actionAskForRate", "Питай ме за потвърждение при всяка нова операция", {},
+         [this] {
+             // Any value of 0 or less turns asking on, anything else off.
+             m_settings.setValue(IntSetting::AskForFixingSuggestion,
+                                 m_settings.value(IntSetting::AskForFixingSuggestion) <= 0 ? 1 : 0);
+         }},
+        {"settings", nullptr, nullptr, {}, {}},
+        {"settings", "actionDblClickAdds", "Създавай нова операция в тази категория", {},
+         [this] { m_settings.setValue(IntSetting::AddOnDblClick, 1); }},
+        {"settings", "actionDblClickFilters", "Добавяй категорията в списъка на избраните категории", {},
+         [this] { m_settings.setValue(IntSetting::FilterOnDblClick, 1); }},
+        {"edit", "actionCalculator", "Калку&латор", QKeySequence(Qt::Key_F9), [this] { startCalculator(); }},
         {"edit", "actionAddCategoryToFilter", "Добави тази кате&гория към списъка на избраните ...",
          QKeySequence(Qt::Key_F2), [this] { m_view->filterPanel().addTreeCategory(); }},
     };
@@ -126,7 +167,14 @@ void CMainFrame::createActions()
         connect(action, &QAction::triggered, this, c.run);
         menu->addAction(action);
     }
-    action("actionAutoSave")->setCheckable(true);
+    for (const char* name : {"actionAutoSave", "actionAutoOpen", "actionShowToday", "actionSubcategories",
+                             "actionSuggestNone", "actionSuggestLast", "actionSuggestAverage",
+                             "actionAskForRate", "actionDblClickAdds", "actionDblClickFilters"}) {
+        action(name)->setCheckable(true);
+    }
+    m_recentMenu = new QMenu(QStringLiteral("Последно отваряни"), this);
+    file->insertMenu(action("actionImport"), m_recentMenu);
+    connect(m_recentMenu, &QMenu::aboutToShow, this, [this] { fillRecentMenu(); });
     connect(settings, &QMenu::aboutToShow, this, [this] { updateCommands(); });
 
     // "Визуализирани полета": one toggle a column, and all of them back at once.
@@ -202,6 +250,16 @@ void CMainFrame::updateCommands()
         QString::fromStdString(temporaryUnlockMenuText(m_doc)).section(QLatin1Char('\t'), 0, 0));
     action("actionPermanentProtection")->setText(QString::fromStdString(permanentProtectionMenuText(m_doc)));
     action("actionAutoSave")->setChecked(m_settings.isOn(IntSetting::AutoSave));
+    action("actionAutoOpen")->setChecked(m_settings.isOn(IntSetting::AutoOpen));
+    action("actionShowToday")->setChecked(m_settings.isOn(IntSetting::ShowForTodayOnOpen));
+    action("actionSubcategories")->setChecked(m_settings.isOn(IntSetting::ShowDataForSubCategories));
+    const int mode = m_settings.value(IntSetting::FixingSuggestMode);
+    action("actionSuggestNone")->setChecked(mode == 0);
+    action("actionSuggestLast")->setChecked(mode == 1);
+    action("actionSuggestAverage")->setChecked(mode == 2);
+    action("actionAskForRate")->setChecked(m_settings.value(IntSetting::AskForFixingSuggestion) == 1);
+    action("actionDblClickAdds")->setChecked(m_settings.isOn(IntSetting::AddOnDblClick));
+    action("actionDblClickFilters")->setChecked(m_settings.isOn(IntSetting::FilterOnDblClick));
     action("actionDeleteAll")->setEnabled(m_doc.operationCount() > 0);
     action("actionDeleteShown")->setEnabled(anyRow);
     action("actionSelectAll")->setEnabled(anyRow);
@@ -239,10 +297,124 @@ bool CMainFrame::openLedger(const QString& path)
     m_doc.setUnlocked(false);
     const auto result = m_storage.open(path.toStdString());
     m_view->resetFilter();
-    if (result == DocumentStorage::OpenResult::Opened && m_doc.isLocked()) {
+    if (result != DocumentStorage::OpenResult::Opened) {
+        return false;
+    }
+    rememberRecent(path);
+    afterOpen();
+    return true;
+}
+
+void CMainFrame::afterOpen()
+{
+    if (m_doc.isLocked()) {
         tellProtected(m_prompter);
     }
-    return result == DocumentStorage::OpenResult::Opened;
+    if (m_settings.isOn(IntSetting::ShowForTodayOnOpen)) {
+        todayOnly(m_view->list().criteria(), m_doc.clock().now());
+        m_view->filterPanel().showCriteria();
+        m_view->refresh();
+    }
+}
+
+bool CMainFrame::startUp(const QStringList& arguments)
+{
+    if (arguments.size() > 1) {
+        return openLedger(arguments.at(1));
+    }
+    const std::string last = m_settings.text(TextSetting::LastFileUsed);
+    if (m_settings.isOn(IntSetting::AutoOpen) && !last.empty()) {
+        openLedger(QString::fromStdString(last));
+    }
+    return true;
+}
+
+namespace {
+constexpr std::string_view kRecentSection = "Recent File List";
+constexpr int kRecentCount = 4;
+} // namespace
+
+QStringList CMainFrame::recentFiles() const
+{
+    QStringList files;
+    for (int i = 1; i <= kRecentCount; ++i) {
+        const std::string path = m_store.readText(kRecentSection, "File" + std::to_string(i), {});
+        if (!path.empty()) {
+            files << QString::fromStdString(path);
+        }
+    }
+    return files;
+}
+
+void CMainFrame::rememberRecent(const QString& path)
+{
+    QStringList files = recentFiles();
+    files.removeAll(path);
+    files.prepend(path);
+    for (int i = 1; i <= kRecentCount; ++i) {
+        m_store.writeText(kRecentSection, "File" + std::to_string(i),
+                          i <= files.size() ? files.at(i - 1).toStdString() : std::string());
+    }
+}
+
+void CMainFrame::fillRecentMenu()
+{
+    m_recentMenu->clear();
+    int n = 1;
+    for (const QString& path : recentFiles()) {
+        QAction* open = m_recentMenu->addAction(QStringLiteral("&%1 %2").arg(n++).arg(path));
+        connect(open, &QAction::triggered, this, [this, path] { openLedger(path); });
+    }
+    m_recentMenu->setEnabled(!m_recentMenu->isEmpty());
+}
+
+void CMainFrame::importLedgerFile()
+{
+    if (refuseWhenLocked(m_doc, m_prompter)) {
+        return;
+    }
+    const QString path = QFileDialog::getOpenFileName(this, QString(), QString(),
+                                                      QString::fromUtf8(QtDocumentHost::kLedgerFilter));
+    if (path.isEmpty()) {
+        return;
+    }
+    std::string bytes;
+    FileError error = FileError::None;
+    if (!readWholeFile(path.toStdString(), bytes, &error)) {
+        m_prompter.error("Файлът „" + path.toStdString() + "“ не може да бъде отворен.\n" + describe(error));
+        return;
+    }
+    importLedger(m_doc, bytes, m_prompter);
+    m_view->filterPanel().showCriteria();
+    m_view->refresh();
+}
+
+void CMainFrame::startCalculator()
+{
+    // The first of the desktop's calculators that is installed.
+    for (const char* program : {"gnome-calculator", "kcalc", "qalculate-gtk", "galculator",
+                                "mate-calc", "xcalc", "calc.exe"}) {
+        const QString found = QStandardPaths::findExecutable(QString::fromLatin1(program));
+        if (!found.isEmpty() && QProcess::startDetached(found, {})) {
+            return;
+        }
+    }
+    m_prompter.error(kCalculatorMissingText, "Липсваща програма");
+}
+
+void CMainFrame::dragEnterEvent(QDragEnterEvent* event)
+{
+    if (event->mimeData()->hasUrls()) {
+        event->acceptProposedAction();
+    }
+}
+
+void CMainFrame::dropEvent(QDropEvent* event)
+{
+    const QList<QUrl> urls = event->mimeData()->urls();
+    if (!urls.isEmpty() && urls.first().isLocalFile()) {
+        openLedger(urls.first().toLocalFile());
+    }
 }
 
 void CMainFrame::openWithDialog()

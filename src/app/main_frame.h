@@ -12,6 +12,7 @@
 #include <QMainWindow>
 
 class QAction;
+class QMenu;
 
 namespace finora {
 
@@ -33,11 +34,20 @@ public:
     bool newLedger();
     // Opens a ledger; false when it could not be opened or the user cancelled.
     bool openLedger(const QString& path);
+    // The file named on the command line, else the last one used when `AutoOpen` is on.
+    bool startUp(const QStringList& arguments);
+    // Up to four ledgers, the latest first.
+    QStringList recentFiles() const;
+
+    static constexpr const char* kCalculatorMissingText =
+        "Калкулаторът на Windows не беше открит. Моля, инсталирайте го.";
 
     static constexpr const char* kIdleText = "Finora е в състояние на готовност ...";
 
 protected:
     void closeEvent(QCloseEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
 
 private:
     void createActions();
@@ -47,6 +57,11 @@ private:
     void saveAs();
     void search();
     void filterByAmount();
+    void importLedgerFile();
+    void startCalculator();
+    void rememberRecent(const QString& path);
+    void fillRecentMenu();
+    void afterOpen();
     PasswordAsker askPassword();
 
     Settings m_settings;
@@ -56,6 +71,8 @@ private:
     BackupWriter m_backups;
     DocumentStorage m_storage;
     CFinoraView* m_view;
+    SettingsStore& m_store;
+    QMenu* m_recentMenu = nullptr;
 };
 
 } // namespace finora

@@ -166,6 +166,56 @@ TEST_F(MainFrameTest, TheFilterPanelNarrowsTheList)
     EXPECT_EQ(table->model()->rowCount(), 500);
 }
 
+TEST_F(MainFrameTest, StartUpReopensTheLastLedgerAndShowsTodayWhenAsked)
+{
+    // AutoOpen off, or nothing used yet: an empty ledger and no message.
+    m_store.writeInt("Settings", "AutoOpen", 1);
+    EXPECT_TRUE(m_frame->startUp({QStringLiteral("finora")}));
+    EXPECT_EQ(m_frame->document().operationCount(), 0u);
+    EXPECT_TRUE(m_prompter.messages().empty());
+
+    ASSERT_TRUE(m_frame->openLedger(m_file));
+    EXPECT_EQ(m_store.readText("Settings", "LastFileUsed", ""), m_file.toStdString());
+    EXPECT_EQ(m_frame->recentFiles(), QStringList{m_file});
+
+    m_store.writeInt("Settings", "ShowForTodayOnOpen", 1);
+    auto other = std::make_unique<CMainFrame>(m_store, m_prompter, m_host, m_clock);
+    EXPECT_TRUE(other->startUp({QStringLiteral("finora")}));
+    EXPECT_EQ(other->document().operationCount(), 500u);
+    // The period is today alone.
+    const FilterCriteria& c = other->view().list().criteria();
+    EXPECT_TRUE(c.from.isSameDay(m_clock.now()));
+    EXPECT_TRUE(c.to.isSameDay(m_clock.now()));
+
+    // A file that cannot be opened on the command line ends start-up.
+    EXPECT_FALSE(other->startUp({QStringLiteral("finora"), m_dir.filePath(QStringLiteral("няма.fnr"))}));
+}
+
+TEST_F(MainFrameTest, RecentFilesKeepTheLatestFourWithoutRepeats)
+{
+    QStringList made;
+    for (int i = 0; i < 5; ++i) {
+        const QString path = m_dir.filePath(QStringLiteral("l%1.fnr").arg(i));
+        writeFile(path.toStdString(), serializeLedger(Ledger()));
+        ASSERT_TRUE(m_frame->openLedger(path));
+        made.prepend(path);
+    }
+    ASSERT_TRUE(m_frame->openLedger(made.at(2)));
+    EXPECT_EQ(m_frame->recentFiles(), (QStringList{made.at(2), made.at(0), made.at(1), made.at(3)}));
+}
+
+TEST_F(MainFrameTest, TheCalculatorCommandSaysWhenThereIsNone)
+{
+    const QByteArray path = qgetenv("PATH");
+    qputenv("PATH", "/nonexistent");
+    m_frame->action("actionCalculator")->trigger();
+    qputenv("PATH", path);
+    ASSERT_FALSE(m_prompter.messages().empty());
+    EXPECT_EQ(m_prompter.messages().back(),
+              (Message{"Липсваща програма", CMainFrame::kCalculatorMissingText, MessageIcon::Error,
+                       MessageButtons::Ok}));
+}
+
 namespace {
 
 // Runs `fill` on the modal dialog that the next action opens. With FINORA_SHOTS_DIR set, a
