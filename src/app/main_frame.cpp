@@ -2,6 +2,7 @@
 
 #include "app/qt_document_host.h"
 #include "editors/amount_filter_dialog.h"
+#include "editors/backup_folder_dialog.h"
 #include "editors/password_dialog.h"
 #include "editors/search_dialog.h"
 #include "lock/lock_commands.h"
@@ -130,6 +131,17 @@ void CMainFrame::createActions()
              m_view->refresh();
          }},
         {"settings", nullptr, nullptr, {}, {}},
+        {"settings", "actionBackupFolder", "Създавай резервни копия в директория ...", {},
+         [this] {
+             QtFolderProbe probe;
+             BackupFolderDialog dialog(m_settings.text(TextSetting::BackupDir), m_prompter, probe, this);
+             if (dialog.exec() == QDialog::Accepted) {
+                 chooseBackupFolder(m_settings, m_prompter, dialog.chosen());
+             }
+         }},
+        {"settings", "actionBackupBeside", "Използвай директорията на файла", {},
+         [this] { m_settings.setText(TextSetting::BackupDir, ""); }},
+        {"settings", nullptr, nullptr, {}, {}},
         {"settings", "actionSuggestNone", "Не предлагай валутен курс, аз ще попълня сам", {},
          [this] { m_settings.setValue(IntSetting::FixingSuggestMode, 0); }},
         {"settings", "actionSuggestLast", "Автоматично предлагай последния използван курс", {},
@@ -167,7 +179,7 @@ void CMainFrame::createActions()
         connect(action, &QAction::triggered, this, c.run);
         menu->addAction(action);
     }
-    for (const char* name : {"actionAutoSave", "actionAutoOpen", "actionShowToday", "actionSubcategories",
+    for (const char* name : {"actionBackupFolder", "actionBackupBeside", "actionAutoSave", "actionAutoOpen", "actionShowToday", "actionSubcategories",
                              "actionSuggestNone", "actionSuggestLast", "actionSuggestAverage",
                              "actionAskForRate", "actionDblClickAdds", "actionDblClickFilters"}) {
         action(name)->setCheckable(true);
@@ -251,6 +263,9 @@ void CMainFrame::updateCommands()
     action("actionPermanentProtection")->setText(QString::fromStdString(permanentProtectionMenuText(m_doc)));
     action("actionAutoSave")->setChecked(m_settings.isOn(IntSetting::AutoSave));
     action("actionAutoOpen")->setChecked(m_settings.isOn(IntSetting::AutoOpen));
+    const bool ownFolder = !m_settings.text(TextSetting::BackupDir).empty();
+    action("actionBackupFolder")->setChecked(ownFolder);
+    action("actionBackupBeside")->setChecked(!ownFolder);
     action("actionShowToday")->setChecked(m_settings.isOn(IntSetting::ShowForTodayOnOpen));
     action("actionSubcategories")->setChecked(m_settings.isOn(IntSetting::ShowDataForSubCategories));
     const int mode = m_settings.value(IntSetting::FixingSuggestMode);

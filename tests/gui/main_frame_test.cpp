@@ -10,6 +10,7 @@
 #include <QAbstractItemModelTester>
 #include <QAction>
 #include <QDialog>
+#include <QFileInfo>
 #include <QLineEdit>
 #include <QTimer>
 #include <QCheckBox>
@@ -283,6 +284,26 @@ TEST_F(MainFrameTest, SearchAndProtectionThroughTheirDialogs)
     EXPECT_FALSE(m_frame->document().isLocked());
     EXPECT_EQ(table->model()->rowCount(), 500);
     EXPECT_FALSE(m_frame->action("actionTemporaryUnlock")->isEnabled());
+}
+
+TEST_F(MainFrameTest, TheBackupFolderIsChosenCheckedAndCreated)
+{
+    const QString folder = m_dir.filePath(QStringLiteral("копия/2026"));
+    answerNextDialog([folder](QDialog* d) {
+        EXPECT_EQ(d->windowTitle(), QStringLiteral("Изберете директория с двойно кликване ..."));
+        d->findChild<QLineEdit*>(QStringLiteral("folder"))->setText(folder);
+        d->accept(); // the creation question is answered yes
+    });
+    m_frame->action("actionBackupFolder")->trigger();
+    EXPECT_TRUE(QFileInfo(folder).isDir());
+    EXPECT_EQ(m_store.readText("Settings", "BackupDir", ""), folder.toStdString() + "/");
+
+    answerNextDialog([](QDialog* d) { d->accept(); }); // the same folder again
+    m_frame->action("actionBackupFolder")->trigger();
+    EXPECT_EQ(m_prompter.messages().back().text, "Не е указана промяна в директорията.");
+
+    m_frame->action("actionBackupBeside")->trigger();
+    EXPECT_EQ(m_store.readText("Settings", "BackupDir", "x"), "");
 }
 
 int main(int argc, char** argv)
