@@ -1,5 +1,7 @@
 #include "editors/backup_folder_dialog.h"
 
+#include "editors/dialog_buttons.h"
+
 #include <QDialogButtonBox>
 #include <QDir>
 #include <QFileDialog>
@@ -51,11 +53,7 @@ BackupFolderDialog::BackupFolderDialog(const std::string& current, Prompter& pro
     row->addWidget(new QLabel(QStringLiteral("Директория:"), this));
     row->addWidget(m_path, 1);
     row->addWidget(browse);
-    auto* buttons = new QDialogButtonBox(this);
-    buttons->addButton(QStringLiteral("Open"), QDialogButtonBox::AcceptRole)->setDefault(true);
-    buttons->addButton(QStringLiteral("отказ"), QDialogButtonBox::RejectRole);
-    connect(buttons, &QDialogButtonBox::accepted, this, &BackupFolderDialog::accept);
-    connect(buttons, &QDialogButtonBox::rejected, this, &BackupFolderDialog::reject);
+    auto* buttons = makeDialogButtons(this, QStringLiteral("Open"));
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(row);
     layout->addWidget(buttons);

@@ -1,5 +1,6 @@
 #include "editors/password_dialog.h"
 
+#include "editors/dialog_buttons.h"
 #include "editors/search_editor.h"
 
 #include <QDialogButtonBox>
@@ -17,11 +18,7 @@ PasswordDialog::PasswordDialog(bool lockMode, Prompter& prompter, QWidget* paren
     m_first->setEchoMode(QLineEdit::Password);
     m_second->setEchoMode(QLineEdit::Password);
     m_second->setEnabled(lockMode);
-    auto* buttons = new QDialogButtonBox(this);
-    buttons->addButton(QStringLiteral("OK"), QDialogButtonBox::AcceptRole)->setDefault(true);
-    buttons->addButton(QStringLiteral("отказ"), QDialogButtonBox::RejectRole);
-    connect(buttons, &QDialogButtonBox::accepted, this, &PasswordDialog::accept);
-    connect(buttons, &QDialogButtonBox::rejected, this, &PasswordDialog::reject);
+    auto* buttons = makeDialogButtons(this, QStringLiteral("OK"));
     auto* layout = new QFormLayout(this);
     layout->addRow(QStringLiteral("укажете парола:"), m_first);
     layout->addRow(QStringLiteral("повторете паролата:"), m_second);

@@ -1,5 +1,6 @@
 #include "editors/search_dialog.h"
 
+#include "editors/dialog_buttons.h"
 #include "text/cp1251.h"
 
 #include <QButtonGroup>
@@ -16,7 +17,8 @@
 namespace finora {
 
 SearchDialog::SearchDialog(SearchEditor& editor, QWidget* parent)
-    : QDialog(parent), m_editor(editor), m_text(new QLineEdit(this)), m_mode(new QButtonGroup(this)),
+    : QDialog(parent), m_editor(editor), m_text(new QLineEdit(this)),
+      m_mode(new QButtonGroup(this)),
       m_exact(new QCheckBox(QStringLiteral("търси същата фраза"), this)),
       m_description(new QCheckBox(QStringLiteral("описание"), this)),
       m_currency(new QCheckBox(QStringLiteral("валута"), this)),
@@ -56,19 +58,17 @@ SearchDialog::SearchDialog(SearchEditor& editor, QWidget* parent)
 
     m_exact->setToolTip(QStringLiteral(
         "Ако желаете да търсите точно определена поредица от символи, активирайте тази опция..."));
-    m_only->setToolTip(QStringLiteral("Ако активирате тази опция, на екрана ще се визуализират само "
-                                      "съвпадащите редове. Иначе ще бъдат маркирани..."));
+    m_only->setToolTip(
+        QStringLiteral("Ако активирате тази опция, на екрана ще се визуализират само "
+                       "съвпадащите редове. Иначе ще бъдат маркирани..."));
     m_case->setToolTip(QStringLiteral(
         "Ако е активирана тази опция ще счита малките и големите букви като различни..."));
-    m_description->setToolTip(QStringLiteral("Указва търсене в полето за описание на операциите..."));
+    m_description->setToolTip(
+        QStringLiteral("Указва търсене в полето за описание на операциите..."));
     m_notes->setToolTip(QStringLiteral("Указва търсене в полето за забележки на операциите..."));
     m_currency->setToolTip(QStringLiteral("Указва търсене в полето за наименование на валута ..."));
 
-    auto* buttons = new QDialogButtonBox(this);
-    buttons->addButton(QStringLiteral("търси"), QDialogButtonBox::AcceptRole)->setDefault(true);
-    buttons->addButton(QStringLiteral("отказ"), QDialogButtonBox::RejectRole);
-    connect(buttons, &QDialogButtonBox::accepted, this, &SearchDialog::accept);
-    connect(buttons, &QDialogButtonBox::rejected, this, &SearchDialog::reject);
+    auto* buttons = makeDialogButtons(this, QStringLiteral("търси"));
 
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(what);
@@ -85,13 +85,15 @@ SearchDialog::SearchDialog(SearchEditor& editor, QWidget* parent)
         showRequest();
     });
     const auto fields = [this] {
-        m_editor.setFields(m_description->isChecked(), m_notes->isChecked(), m_currency->isChecked());
+        m_editor.setFields(m_description->isChecked(), m_notes->isChecked(),
+                           m_currency->isChecked());
     };
     for (QCheckBox* box : {m_description, m_currency, m_notes}) {
         connect(box, &QCheckBox::toggled, this, fields);
     }
     connect(m_case, &QCheckBox::toggled, this, [this](bool on) { m_editor.setCaseSensitive(on); });
-    connect(m_only, &QCheckBox::toggled, this, [this](bool on) { m_editor.setShowOnlyMatching(on); });
+    connect(m_only, &QCheckBox::toggled, this,
+            [this](bool on) { m_editor.setShowOnlyMatching(on); });
     showRequest();
 }
 
