@@ -40,6 +40,21 @@ DateTime fromQDate(const QDate& d)
 
 constexpr int kIdRole = Qt::UserRole;
 
+// A drop-down list that is refilled each time it opens, so it always offers the ledger's
+// currencies as they are now.
+class RefreshingComboBox final : public QComboBox {
+public:
+    using QComboBox::QComboBox;
+    std::function<void()> beforePopup;
+    void showPopup() override
+    {
+        if (beforePopup) {
+            beforePopup();
+        }
+        QComboBox::showPopup();
+    }
+};
+
 } // namespace
 
 FilterPanel::FilterPanel(CFinoraDoc& doc, Settings& settings, Prompter& prompter,
@@ -49,8 +64,13 @@ FilterPanel::FilterPanel(CFinoraDoc& doc, Settings& settings, Prompter& prompter
       m_tree(new QTreeWidget(this)), m_selected(new QTreeWidget(this)),
       m_subcategories(new QCheckBox(QStringLiteral("включи и подкатегориите"), this)),
       m_remove(new QPushButton(QStringLiteral("премахни"), this)),
-      m_clear(new QPushButton(QStringLiteral("изчисти"), this)), m_currency(new QComboBox(this))
+      m_clear(new QPushButton(QStringLiteral("изчисти"), this)), m_currency(new RefreshingComboBox(this))
 {
+    static_cast<RefreshingComboBox*>(m_currency)->beforePopup = [this] {
+        m_showing = true; // refilling is not a choice of the user's
+        fillCurrencies();
+        m_showing = false;
+    };
     setObjectName(QStringLiteral("filterPanel"));
     for (const std::string_view choice : kTypeChoices) {
         m_type->addItem(QString::fromUtf8(choice.data(), static_cast<qsizetype>(choice.size())));

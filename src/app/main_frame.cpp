@@ -21,6 +21,8 @@
 #include <QFileInfo>
 #include <QMenuBar>
 #include <QStatusBar>
+#include <QStyle>
+#include <QToolBar>
 #include <QTableView>
 
 namespace finora {
@@ -212,6 +214,21 @@ void CMainFrame::createActions()
         }
         m_view->applyColumnVisibility();
     });
+
+    // The frequent commands on a toolbar, with the platform's own icons.
+    QToolBar* tools = addToolBar(QStringLiteral("Инструменти"));
+    tools->setObjectName(QStringLiteral("toolbar"));
+    const std::pair<const char*, QStyle::StandardPixmap> toolbar[] = {
+        {"actionNew", QStyle::SP_FileIcon},          {"actionOpen", QStyle::SP_DialogOpenButton},
+        {"actionSave", QStyle::SP_DialogSaveButton}, {"actionRefresh", QStyle::SP_BrowserReload},
+        {"actionSearch", QStyle::SP_FileDialogContentsView},
+        {"actionDeleteSelected", QStyle::SP_TrashIcon},
+    };
+    for (const auto& [name, icon] : toolbar) {
+        QAction* a = action(name);
+        a->setIcon(style()->standardIcon(icon));
+        tools->addAction(a);
+    }
 
     // The second main menu is the list's context menu too.
     m_view->table()->setContextMenuPolicy(Qt::CustomContextMenu);

@@ -14,6 +14,8 @@
 #include <QLineEdit>
 #include <QTimer>
 #include <QCheckBox>
+#include <QComboBox>
+#include <QToolBar>
 #include <QPushButton>
 #include <QTreeWidget>
 #include <QApplication>
@@ -304,6 +306,26 @@ TEST_F(MainFrameTest, TheBackupFolderIsChosenCheckedAndCreated)
 
     m_frame->action("actionBackupBeside")->trigger();
     EXPECT_EQ(m_store.readText("Settings", "BackupDir", "x"), "");
+}
+
+TEST_F(MainFrameTest, ToolbarAndACurrencyListThatFollowsTheLedger)
+{
+    ASSERT_TRUE(m_frame->openLedger(m_file));
+    const auto* tools = m_frame->findChild<QToolBar*>(QStringLiteral("toolbar"));
+    ASSERT_NE(tools, nullptr);
+    EXPECT_EQ(tools->actions().size(), 6);
+    EXPECT_TRUE(tools->actions().contains(m_frame->action("actionRefresh")));
+
+    auto* currency = m_frame->findChild<QComboBox*>(QStringLiteral("currencyFilter"));
+    ASSERT_NE(currency, nullptr);
+    EXPECT_EQ(currency->itemText(0), QStringLiteral(":: ВСИЧКИ ВАЛУТИ В BGL ::"));
+    EXPECT_LT(currency->findText(QStringLiteral("CHF")), 0);
+    m_frame->document().addCurrency("CHF");
+    currency->showPopup();
+    currency->hidePopup();
+    EXPECT_GE(currency->findText(QStringLiteral("CHF")), 0);
+    EXPECT_EQ(currency->currentIndex(), 0); // refilling did not change the choice
+    EXPECT_EQ(m_frame->view().list().rowCount(), 500u);
 }
 
 int main(int argc, char** argv)
