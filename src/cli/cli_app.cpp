@@ -167,6 +167,7 @@ public:
     const Arguments& args() const { return m_args; }
     Settings& settings() { return m_settings; }
     RecordingPrompter& prompter() { return m_prompter; }
+    double openedVersion() const { return m_storage.openedVersion(); }
     const Clock& clock() const { return m_clock; }
 
     // Opens the ledger; with `needOperations`, a locked one needs the right --password.
@@ -252,20 +253,6 @@ void writeCounters(JsonWriter& json, const LedgerCounters& c)
         .endObject();
 }
 
-// The version at offset 0, read on its own: the document forgets it once the ledger is loaded.
-double fileVersion(const std::string& path)
-{
-    std::FILE* file = openFile(path, "rb");
-    double version = 0.0;
-    if (file) {
-        FileByteSource source(file);
-        ByteReader reader(source, 8);
-        reader.readDouble(version);
-        std::fclose(file);
-    }
-    return version;
-}
-
 // --- the commands
 
 int cmdNew(Session& s, std::ostream& out)
@@ -285,7 +272,7 @@ int cmdInfo(Session& s, std::ostream& out)
     const std::string& path = s.args().positional[1];
     s.open(path, false);
     const Ledger& l = s.doc().ledger();
-    const double version = fileVersion(path);
+    const double version = s.openedVersion();
     if (s.args().has("--json")) {
         JsonWriter json(out);
         json.beginObject()
@@ -320,7 +307,7 @@ int cmdDump(Session& s, std::ostream& out)
     s.open(path, true);
     const Ledger& l = s.doc().ledger();
     JsonWriter json(out);
-    json.beginObject().key("version").value(fileVersion(path));
+    json.beginObject().key("version").value(s.openedVersion());
     json.key("lock_text").value(utf8(l.lockText));
     json.key("counters");
     writeCounters(json, l.counters);

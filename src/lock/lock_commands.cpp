@@ -3,9 +3,19 @@
 namespace finora {
 namespace {
 
-void tellWrongPassword(Prompter& prompter)
+// Asks for the ledger's password and checks it in `mode`; a wrong one is said, a cancel is not.
+bool askAndCheck(CFinoraDoc& doc, Prompter& prompter, const PasswordAsker& ask,
+                 CFinoraDoc::LockCheck mode)
 {
-    prompter.error("Указаната парола не е валидна за този документ!", "Грешна парола");
+    const auto password = ask(false);
+    if (!password) {
+        return false;
+    }
+    if (!doc.checkLock(*password, mode)) {
+        prompter.error("Указаната парола не е валидна за този документ!", "Грешна парола");
+        return false;
+    }
+    return true;
 }
 
 } // namespace
@@ -18,12 +28,7 @@ bool temporaryUnlockCommand(CFinoraDoc& doc, Prompter& prompter, const PasswordA
         prompter.inform("Документът беше заключен отново.", "Заключен!");
         return true;
     }
-    const auto password = ask(false);
-    if (!password) {
-        return false;
-    }
-    if (!doc.checkLock(*password, CFinoraDoc::LockCheck::TemporaryUnlock)) {
-        tellWrongPassword(prompter);
+    if (!askAndCheck(doc, prompter, ask, CFinoraDoc::LockCheck::TemporaryUnlock)) {
         return false;
     }
     prompter.inform("Документът е временно отключен.", "Временно достъпен!");
@@ -42,12 +47,7 @@ bool permanentProtectionCommand(CFinoraDoc& doc, Prompter& prompter, const Passw
         prompter.inform("Документът е заключен. Запишете го, за да съхраните защитата!", "Успех");
         return true;
     }
-    const auto password = ask(false);
-    if (!password) {
-        return false;
-    }
-    if (!doc.checkLock(*password, CFinoraDoc::LockCheck::RemoveProtection)) {
-        tellWrongPassword(prompter);
+    if (!askAndCheck(doc, prompter, ask, CFinoraDoc::LockCheck::RemoveProtection)) {
         return false;
     }
     prompter.inform("Документът вече не е защитен с парола.", "Постоянно достъпен!");

@@ -123,7 +123,11 @@ void OperationsList::refresh()
 
 std::string OperationsList::cellText(std::size_t row, int column) const
 {
-    const Row& r = m_rows[row];
+    return cellText(m_rows[row], column);
+}
+
+std::string OperationsList::cellText(const Row& r, int column) const
+{
     const Operation& op = *r.op;
     switch (column) {
     case kColNumber:
@@ -175,8 +179,7 @@ std::size_t OperationsList::selectedCount() const
 
 std::string OperationsList::searchText(const Row& row, int column, bool fold) const
 {
-    const std::size_t index = static_cast<std::size_t>(&row - m_rows.data());
-    std::string text = cellText(index, column);
+    std::string text = cellText(row, column);
     return fold ? foldCase(text) : text;
 }
 

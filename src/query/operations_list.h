@@ -124,6 +124,7 @@ private:
         bool paidShown = false; // "да" written into the cell by the set-paid command
     };
 
+    std::string cellText(const Row& row, int column) const;
     bool confirmDeletion();
     void deleteRows(bool selectedOnly);
     bool rowMatches(const Row& row, const SearchRequest& request,

@@ -64,6 +64,7 @@ DocumentStorage::OpenResult DocumentStorage::open(const std::string& path)
                Answer::Yes;
     });
     std::fclose(file);
+    m_openedVersion = result.version;
 
     switch (result.status) {
     case ReadStatus::Ok:

@@ -25,6 +25,8 @@ public:
     // not convert, asks the host to end the program; a file that cannot be read leaves the
     // document empty and says so.
     OpenResult open(const std::string& path);
+    // The format version of the file last read by open(); the ledger itself forgets it.
+    double openedVersion() const { return m_openedVersion; }
 
     // Writes the ledger to `path` and its backup; on success the document takes the path and is
     // no longer modified. A failure is reported and leaves any old file as it was.
@@ -53,6 +55,7 @@ private:
     Prompter& m_prompter;
     DocumentHost& m_host;
     BackupWriter& m_backups;
+    double m_openedVersion = 0.0;
 };
 
 } // namespace finora
