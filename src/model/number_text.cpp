@@ -15,6 +15,13 @@ std::string fixedText(double value, int decimals)
     return std::string(buffer.data(), result.ptr);
 }
 
+std::string shortestText(double value)
+{
+    std::array<char, 64> buffer{};
+    const auto result = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value);
+    return std::string(buffer.data(), result.ptr);
+}
+
 std::string amountText(double value)
 {
     return fixedText(value, 2);

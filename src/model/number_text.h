@@ -12,6 +12,8 @@ std::string fixedText(double value, int decimals);
 std::string amountText(double value);                                   // "%.2f"
 std::string rateText(double value);                                     // "%.6f"
 std::string idText(std::int32_t value);                                 // "%d"
+// The shortest text that reads back as the same number: "0", "12.5", "1e+300".
+std::string shortestText(double value);
 std::string amountWithCurrencyText(double value, std::string_view currency); // "%.2f %s"
 
 // Reads the longest number at the start of the text, after leading white space, as the C

@@ -43,6 +43,22 @@ constexpr std::array<unsigned char, 256> makeFoldTable()
 
 constexpr std::array<unsigned char, 256> kFold = makeFoldTable();
 
+constexpr std::array<unsigned char, 256> makeUpperTable()
+{
+    std::array<unsigned char, 256> table{};
+    for (int i = 0; i < 256; ++i) {
+        table[static_cast<std::size_t>(i)] = static_cast<unsigned char>(i);
+    }
+    for (int i = 0; i < 256; ++i) {
+        if (kFold[static_cast<std::size_t>(i)] != i) {
+            table[kFold[static_cast<std::size_t>(i)]] = static_cast<unsigned char>(i);
+        }
+    }
+    return table;
+}
+
+constexpr std::array<unsigned char, 256> kUpper = makeUpperTable();
+
 } // namespace
 
 unsigned char foldCase(unsigned char byte)
@@ -55,6 +71,21 @@ std::string foldCase(std::string_view bytes)
     std::string out(bytes);
     for (char& c : out) {
         c = static_cast<char>(kFold[static_cast<unsigned char>(c)]);
+    }
+    return out;
+}
+
+
+unsigned char upperCase(unsigned char byte)
+{
+    return kUpper[byte];
+}
+
+std::string upperCase(std::string_view bytes)
+{
+    std::string out(bytes);
+    for (char& c : out) {
+        c = static_cast<char>(kUpper[static_cast<unsigned char>(c)]);
     }
     return out;
 }

@@ -10,5 +10,8 @@ namespace finora {
 // letters; every other byte is left as it is.
 unsigned char foldCase(unsigned char byte);
 std::string foldCase(std::string_view bytes);
+// The other way: small letters to their capitals, for texts shown in capitals only.
+unsigned char upperCase(unsigned char byte);
+std::string upperCase(std::string_view bytes);
 
 } // namespace finora

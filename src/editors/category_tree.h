@@ -1,0 +1,23 @@
+#pragma once
+
+#include "model/finora_doc.h"
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace finora {
+
+// One category as the editors' trees show it, in pre-order: a depth and a name.
+struct CategoryNode {
+    std::int32_t id = 0;
+    int depth = 0; // 0 for a top-level category
+    const std::string* name = nullptr; // Windows-1251, owned by the ledger
+};
+
+// Top-level categories in ledger order, each followed depth first by its children in ledger
+// order. A category whose parent is not in the ledger (only a hand-made file has one) comes at
+// the end as a top-level item rather than vanishing; a repeated id appears once.
+std::vector<CategoryNode> categoryTree(const CFinoraDoc& doc);
+
+} // namespace finora
