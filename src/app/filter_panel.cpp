@@ -153,7 +153,13 @@ FilterPanel::FilterPanel(CFinoraDoc& doc, Settings& settings, Prompter& prompter
             changed();
         }
     });
-    connect(m_tree, &QTreeWidget::itemDoubleClicked, this, [this] { addTreeCategory(); });
+    connect(m_tree, &QTreeWidget::itemDoubleClicked, this, [this] {
+        if (m_settings.isOn(IntSetting::AddOnDblClick) && m_onAddInCategory) {
+            m_onAddInCategory();
+        } else {
+            addTreeCategory();
+        }
+    });
     connect(m_selected, &QTreeWidget::itemSelectionChanged, this, [this] { updateButtons(); });
     connect(m_selected, &QTreeWidget::itemDoubleClicked, this, [this] { removeSelected(true); });
     connect(m_remove, &QPushButton::clicked, this, [this] { removeSelected(false); });
@@ -283,14 +289,23 @@ void FilterPanel::updateButtons()
     m_clear->setEnabled(m_selected->topLevelItemCount() > 0);
 }
 
+std::optional<std::int32_t> FilterPanel::treeCategory() const
+{
+    const QTreeWidgetItem* item = m_tree->currentItem();
+    if (!item || !item->isSelected()) {
+        return std::nullopt;
+    }
+    return item->data(0, kIdRole).toInt();
+}
+
 void FilterPanel::addTreeCategory()
 {
-    QTreeWidgetItem* item = m_tree->currentItem();
-    if (!item || !item->isSelected()) {
+    const auto category = treeCategory();
+    if (!category) {
         m_prompter.error(kNoCategoryText, kNoCategoryCaption);
         return;
     }
-    const auto id = item->data(0, kIdRole).toInt();
+    const std::int32_t id = *category;
     if (std::find(m_criteria.categories.begin(), m_criteria.categories.end(), id) !=
         m_criteria.categories.end()) {
         return;

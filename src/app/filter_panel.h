@@ -8,6 +8,7 @@
 #include <QWidget>
 
 #include <functional>
+#include <optional>
 
 class QCheckBox;
 class QComboBox;
@@ -32,6 +33,10 @@ public:
     void showCriteria();
     // "Добави тази категория към списъка на избраните ..." (F2).
     void addTreeCategory();
+    // The category selected in the tree, if any.
+    std::optional<std::int32_t> treeCategory() const;
+    // A double click on a category when the option says it makes a new operation there.
+    void setOnAddInCategory(std::function<void()> handler) { m_onAddInCategory = std::move(handler); }
     void loadFilter();
     void saveFilter();
 
@@ -53,6 +58,7 @@ private:
     Prompter& m_prompter;
     FilterCriteria& m_criteria;
     std::function<void()> m_onChanged;
+    std::function<void()> m_onAddInCategory;
     bool m_showing = false;
 
     QComboBox* m_type;

@@ -2,7 +2,12 @@
 
 #include "app/qt_document_host.h"
 #include "editors/amount_filter_dialog.h"
+#include "app/help_window.h"
 #include "editors/backup_folder_dialog.h"
+#include "editors/category_dialogs.h"
+#include "editors/currency_cash_dialog.h"
+#include "editors/operation_dialog.h"
+#include "model/number_text.h"
 #include "editors/password_dialog.h"
 #include "editors/search_dialog.h"
 #include "lock/lock_commands.h"
@@ -11,6 +16,7 @@
 #include "storage/ledger_import.h"
 
 #include <QAction>
+#include <map>
 #include <QCloseEvent>
 #include <QDragEnterEvent>
 #include <QDropEvent>
@@ -63,7 +69,7 @@ void CMainFrame::createActions()
         QKeySequence shortcut;
         std::function<void()> run;
     };
-    const std::vector<Command> commands = {
+    std::vector<Command> commands = {
         {"file", "actionNew", "&Нов", QKeySequence::New, [this] { newLedger(); }},
         {"file", "actionOpen", "&Отвори ...", QKeySequence::Open, [this] { openWithDialog(); }},
         {"file", "actionSave", "&Запиши", QKeySequence::Save,
@@ -86,6 +92,12 @@ void CMainFrame::createActions()
                  return true;
              });
          }},
+        {"edit", nullptr, nullptr, {}, {}},
+        {"edit", "actionAddRecord", "Добави нов &запис ...", QKeySequence(Qt::Key_F8),
+         [this] { editOperation({0, 0, -1}); }},
+        {"edit", "actionEditRecord", "Промени &маркирания запис ...", {}, [this] { editSelectedOperation(); }},
+        {"edit", "actionAddInCategory", "Добави нов запис в избраната категори&я ...", QKeySequence(Qt::Key_F7),
+         [this] { editOperation({0, 0, m_view->filterPanel().treeCategory().value_or(-1)}); }},
         {"edit", nullptr, nullptr, {}, {}},
         {"edit", "actionDeleteAll", "Изтри&й всички", {},
          [this] { m_view->changeRows([this] { return m_view->list().deleteAll(); }); }},
@@ -165,12 +177,35 @@ void CMainFrame::createActions()
         {"edit", "actionAddCategoryToFilter", "Добави тази кате&гория към списъка на избраните ...",
          QKeySequence(Qt::Key_F2), [this] { m_view->filterPanel().addTreeCategory(); }},
     };
+    const std::vector<Command> ledgerCommands = {
+        {"ledger", "actionCurrencyCash", "&Валутна каса", QKeySequence(Qt::CTRL | Qt::Key_F1),
+         [this] {
+             if (!refuseWhenLocked(m_doc, m_prompter)) {
+                 CurrencyCashDialog dialog(m_doc, m_settings, m_prompter, this);
+                 runLedgerDialog(dialog);
+             }
+         }},
+        {"ledger", "actionCategories", "&Категории", QKeySequence(Qt::CTRL | Qt::Key_F2),
+         [this] {
+             if (!refuseWhenLocked(m_doc, m_prompter)) {
+                 CategoryTreeDialog dialog(m_doc, m_prompter, false, this);
+                 runLedgerDialog(dialog);
+             }
+         }},
+        {"help", "actionHelp", "Помо&щна информация", QKeySequence(Qt::Key_F1), [this] { showHelp(this, {}); }},
+        {"help", "actionEffective", "По-ефективна работа с продукта ...", {},
+         [this] { showHelp(this, QStringLiteral("efective.htm")); }},
+    };
+    commands.insert(commands.end(), ledgerCommands.begin(), ledgerCommands.end());
     QMenu* file = menuBar()->addMenu(QStringLiteral("&Файл"));
     QMenu* edit = menuBar()->addMenu(QStringLiteral("&Редакция"));
+    QMenu* ledger = menuBar()->addMenu(QStringLiteral("&Данни"));
     QMenu* settings = menuBar()->addMenu(QStringLiteral("&Настройки"));
+    QMenu* help = menuBar()->addMenu(QStringLiteral("&Помощ"));
+    const std::map<std::string_view, QMenu*> menus = {
+        {"file", file}, {"edit", edit}, {"ledger", ledger}, {"settings", settings}, {"help", help}};
     for (const Command& c : commands) {
-        const std::string_view menuName(c.menu);
-        QMenu* menu = menuName == "file" ? file : menuName == "edit" ? edit : settings;
+        QMenu* menu = menus.at(c.menu);
         if (!c.name) {
             menu->addSeparator();
             continue;
@@ -231,6 +266,8 @@ void CMainFrame::createActions()
     }
 
     // The second main menu is the list's context menu too.
+    connect(m_view->table(), &QAbstractItemView::doubleClicked, this, [this] { editSelectedOperation(); });
+    m_view->filterPanel().setOnAddInCategory([this] { action("actionAddInCategory")->trigger(); });
     m_view->table()->setContextMenuPolicy(Qt::CustomContextMenu);
     connect(m_view->table(), &QWidget::customContextMenuRequested, this,
             [this, edit](const QPoint& pos) { edit->exec(m_view->table()->viewport()->mapToGlobal(pos)); });
@@ -266,6 +303,45 @@ void CMainFrame::filterByAmount()
     }
 }
 
+void CMainFrame::editOperation(OperationEditor::Opening opening)
+{
+    if (refuseWhenLocked(m_doc, m_prompter)) {
+        return;
+    }
+    for (;;) {
+        OperationDialog dialog(m_doc, m_settings, m_prompter, opening, this);
+        if (dialog.exec() != QDialog::Accepted) {
+            return;
+        }
+        m_view->refresh();
+        if (!dialog.editor().addAnother()) {
+            return;
+        }
+        // Another new operation, in the category the first one was meant for.
+        opening = {0, 0, opening.initialCategory};
+    }
+}
+
+void CMainFrame::editSelectedOperation()
+{
+    const OperationsList& list = m_view->list();
+    for (std::size_t row = 0; row < list.rowCount(); ++row) {
+        if (list.isSelected(row)) {
+            const auto master = static_cast<std::int32_t>(parseNumber(list.cellText(row, 1)));
+            editOperation({list.rowId(row), master, -1});
+            return;
+        }
+    }
+}
+
+template <class Dialog>
+void CMainFrame::runLedgerDialog(Dialog& dialog)
+{
+    dialog.exec();
+    m_view->filterPanel().showCriteria();
+    m_view->refresh();
+}
+
 void CMainFrame::updateCommands()
 {
     const OperationsList& list = m_view->list();
@@ -297,6 +373,7 @@ void CMainFrame::updateCommands()
     action("actionSelectAll")->setEnabled(anyRow);
     action("actionDeleteSelected")->setEnabled(anySelected);
     action("actionSetPaid")->setEnabled(anySelected);
+    action("actionEditRecord")->setEnabled(anySelected);
 }
 
 void CMainFrame::updateTitle()

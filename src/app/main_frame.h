@@ -7,6 +7,7 @@
 #include "settings/settings.h"
 #include "storage/backup_writer.h"
 #include "lock/lock_commands.h"
+#include "editors/operation_editor.h"
 #include "storage/document_storage.h"
 
 #include <QMainWindow>
@@ -57,6 +58,12 @@ private:
     void saveAs();
     void search();
     void filterByAmount();
+    // The operation editor, again and again while the user asks for another one.
+    void editOperation(OperationEditor::Opening opening);
+    void editSelectedOperation();
+    // Dialogs that change categories or currencies: the panel shows the new ones afterwards.
+    template <class Dialog>
+    void runLedgerDialog(Dialog& dialog);
     void importLedgerFile();
     void startCalculator();
     void rememberRecent(const QString& path);

@@ -3,6 +3,7 @@
 #include "demo/ledger_generator.h"
 #include "model/recording_prompter.h"
 #include "support/scripted_host.h"
+#include "support/dialog_driver.h"
 #include "settings/memory_settings_store.h"
 #include "storage/file_io.h"
 #include "storage/ledger_format.h"
@@ -26,6 +27,7 @@
 
 using namespace finora;
 using test::ScriptedHost;
+using test::answerNextDialog;
 
 class MainFrameTest : public ::testing::Test {
 protected:
@@ -219,24 +221,6 @@ TEST_F(MainFrameTest, TheCalculatorCommandSaysWhenThereIsNone)
                        MessageButtons::Ok}));
 }
 
-namespace {
-
-// Runs `fill` on the modal dialog that the next action opens. With FINORA_SHOTS_DIR set, a
-// picture of the dialog is saved there first, to look at what the user sees.
-void answerNextDialog(std::function<void(QDialog*)> fill)
-{
-    QTimer::singleShot(0, [fill] {
-        auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
-        ASSERT_NE(dialog, nullptr);
-        const QString shots = qEnvironmentVariable("FINORA_SHOTS_DIR");
-        if (!shots.isEmpty()) {
-            dialog->grab().save(shots + QLatin1Char('/') + dialog->windowTitle() + QStringLiteral(".png"));
-        }
-        fill(dialog);
-    });
-}
-
-} // namespace
 
 TEST_F(MainFrameTest, SearchAndProtectionThroughTheirDialogs)
 {
@@ -326,12 +310,4 @@ TEST_F(MainFrameTest, ToolbarAndACurrencyListThatFollowsTheLedger)
     EXPECT_GE(currency->findText(QStringLiteral("CHF")), 0);
     EXPECT_EQ(currency->currentIndex(), 0); // refilling did not change the choice
     EXPECT_EQ(m_frame->view().list().rowCount(), 500u);
-}
-
-int main(int argc, char** argv)
-{
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    QApplication app(argc, argv);
-    ::testing::InitGoogleTest(&argc, argv);
-    return RUN_ALL_TESTS();
 }

@@ -1,0 +1,109 @@
+#include "editors/editor_widgets.h"
+
+#include "app/help_window.h"
+#include "editors/category_tree.h"
+#include "text/cp1251.h"
+
+#include <QHeaderView>
+#include <QPushButton>
+#include <QTreeWidget>
+
+#include <vector>
+
+namespace finora {
+
+static_assert(kCategoryIdRole == Qt::UserRole);
+
+QString qt(const std::string& cp1251Text)
+{
+    return QString::fromStdString(cp1251::toUtf8(cp1251Text));
+}
+
+QDate toQDate(const DateTime& dt)
+{
+    DateTimeParts p;
+    return dt.toParts(p) ? QDate(p.year, p.month, p.day) : QDate::currentDate();
+}
+
+DateTime fromQDate(const QDate& d)
+{
+    return DateTime::fromParts(d.year(), d.month(), d.day());
+}
+
+std::optional<std::int32_t> categoryIdOf(const QTreeWidgetItem* item)
+{
+    if (!item) {
+        return std::nullopt;
+    }
+    return item->data(0, kCategoryIdRole).toInt();
+}
+
+void fillCategoryTree(QTreeWidget* tree, const CFinoraDoc& doc)
+{
+    tree->clear();
+    std::vector<QTreeWidgetItem*> path; // the last item placed at each depth
+    QList<QTreeWidgetItem*> tops;
+    for (const CategoryNode& node : categoryTree(doc)) {
+        auto* item = new QTreeWidgetItem({qt(*node.name)});
+        item->setData(0, kCategoryIdRole, node.id);
+        const auto depth = static_cast<std::size_t>(node.depth);
+        path.resize(depth);
+        if (depth == 0) {
+            tops.append(item);
+        } else {
+            path.back()->addChild(item);
+        }
+        path.push_back(item);
+    }
+    tree->addTopLevelItems(tops);
+    tree->expandAll();
+}
+
+QTreeWidgetItem* findCategoryItem(QTreeWidget* tree, std::int32_t id)
+{
+    for (QTreeWidgetItemIterator it(tree); *it; ++it) {
+        if ((*it)->data(0, kCategoryIdRole).toInt() == id) {
+            return *it;
+        }
+    }
+    return nullptr;
+}
+
+QTreeWidget* makeReportList(QWidget* parent, std::initializer_list<ReportColumn> columns)
+{
+    auto* list = new QTreeWidget(parent);
+    list->setRootIsDecorated(false);
+    list->setAlternatingRowColors(true);
+    list->setSelectionBehavior(QAbstractItemView::SelectRows);
+    list->setUniformRowHeights(true);
+    list->setColumnCount(static_cast<int>(columns.size()));
+    QStringList headers;
+    for (const ReportColumn& c : columns) {
+        headers << QString::fromUtf8(c.header);
+    }
+    list->setHeaderLabels(headers);
+    int i = 0;
+    for (const ReportColumn& c : columns) {
+        list->headerItem()->setTextAlignment(i, c.alignment);
+        if (c.width == 0) {
+            list->hideColumn(i);
+        } else {
+            list->setColumnWidth(i, c.width);
+        }
+        ++i;
+    }
+    list->header()->setStretchLastSection(false);
+    return list;
+}
+
+QPushButton* makeHelpButton(QWidget* parent, const char* topic)
+{
+    auto* button = new QPushButton(QStringLiteral("?"), parent);
+    button->setAutoDefault(false);
+    button->setMaximumWidth(button->fontMetrics().horizontalAdvance(QStringLiteral("??")) + 24);
+    QObject::connect(button, &QPushButton::clicked, button,
+                     [parent, topic] { showHelp(parent, QString::fromLatin1(topic)); });
+    return button;
+}
+
+} // namespace finora

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "model/finora_doc.h"
+
+#include <QDate>
+#include <QString>
+
+#include <cstdint>
+#include <initializer_list>
+#include <optional>
+#include <string>
+
+class QDialog;
+class QPushButton;
+class QTreeWidget;
+class QTreeWidgetItem;
+class QWidget;
+
+namespace finora {
+
+// Ledger texts are Windows-1251; widgets show Unicode.
+QString qt(const std::string& cp1251Text);
+QDate toQDate(const DateTime& dt);
+DateTime fromQDate(const QDate& d);
+
+// The category id an item of a category tree carries.
+inline constexpr int kCategoryIdRole = 0x0100; // Qt::UserRole
+std::optional<std::int32_t> categoryIdOf(const QTreeWidgetItem* item);
+// The ledger's categories as the editors show them: top level in ledger order, children below
+// their parents, everything expanded.
+void fillCategoryTree(QTreeWidget* tree, const CFinoraDoc& doc);
+// The item that carries the id, if the tree shows it.
+QTreeWidgetItem* findCategoryItem(QTreeWidget* tree, std::int32_t id);
+
+// A report-style list: full-row selection, grid-like alternate rows, no tree decoration. A
+// width of 0 hides the column.
+struct ReportColumn {
+    const char* header; // UTF-8
+    int width;
+    Qt::Alignment alignment = Qt::AlignLeft;
+};
+QTreeWidget* makeReportList(QWidget* parent, std::initializer_list<ReportColumn> columns);
+
+// "?": opens the dialog's help topic.
+QPushButton* makeHelpButton(QWidget* parent, const char* topic);
+
+} // namespace finora
