@@ -97,8 +97,7 @@ CategoryDialog::CategoryDialog(CFinoraDoc& doc, Prompter& prompter, CategoryEdit
         showParent();
     });
 
-    auto* buttons = makeDialogButtons(this, mode == CategoryEditor::Mode::New ? QStringLiteral("&създай")
-                                                                              : QStringLiteral("&промени"));
+    auto* buttons = makeDialogButtons(this, QStringLiteral("&създай"));
     buttons->buttons().at(0)->setIcon(style()->standardIcon(QStyle::SP_DialogApplyButton));
     buttons->buttons().at(1)->setIcon(style()->standardIcon(QStyle::SP_DialogCancelButton));
     auto* layout = new QGridLayout(this);

@@ -120,7 +120,7 @@ CurrencyCashDialog::CurrencyCashDialog(CFinoraDoc& doc, const Settings& settings
     layout->addLayout(buttons);
     setSizeGripEnabled(true);
     setMinimumSize(520, 260);
-    resize(700, 360);
+    resize(780, 380);
     fill();
 }
 

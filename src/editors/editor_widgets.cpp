@@ -8,6 +8,7 @@
 #include <QPushButton>
 #include <QTreeWidget>
 
+#include <algorithm>
 #include <vector>
 
 namespace finora {
@@ -88,11 +89,13 @@ QTreeWidget* makeReportList(QWidget* parent, std::initializer_list<ReportColumn>
         if (c.width == 0) {
             list->hideColumn(i);
         } else {
-            list->setColumnWidth(i, c.width);
+            // Never narrower than its header: a clipped Bulgarian caption reads as another word.
+            const int header = list->fontMetrics().horizontalAdvance(QString::fromUtf8(c.header)) + 20;
+            list->setColumnWidth(i, std::max(c.width, header));
         }
         ++i;
     }
-    list->header()->setStretchLastSection(false);
+    list->header()->setStretchLastSection(true);
     return list;
 }
 

@@ -209,7 +209,7 @@ TEST_F(EditorDialogsTest, CategoriesAreCreatedMovedAndDeleted)
             EXPECT_TRUE(parents->isEnabled());
             Q_EMIT parents->itemDoubleClicked(parents->topLevelItem(0), 0);
             EXPECT_EQ(child<QLabel>(c, "parent")->text(), parentName);
-            click(c, QStringLiteral("&промени"));
+            click(c, QStringLiteral("&създай"));
         });
         click(d, QStringLiteral("&промяна"));
         garden = itemNamed(tree, QStringLiteral("Градина"));
