@@ -1,6 +1,7 @@
 #include "app/filter_panel.h"
 
 #include "storage/filter_file.h"
+#include "editors/editor_widgets.h"
 #include "text/cp1251.h"
 
 #include <QButtonGroup>
@@ -21,22 +22,6 @@
 
 namespace finora {
 namespace {
-
-QString qt(const std::string& cp1251Text)
-{
-    return QString::fromStdString(cp1251::toUtf8(cp1251Text));
-}
-
-QDate toQDate(const DateTime& dt)
-{
-    DateTimeParts p;
-    return dt.toParts(p) ? QDate(p.year, p.month, p.day) : QDate::currentDate();
-}
-
-DateTime fromQDate(const QDate& d)
-{
-    return DateTime::fromParts(d.year(), d.month(), d.day());
-}
 
 constexpr int kIdRole = Qt::UserRole;
 

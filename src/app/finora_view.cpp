@@ -1,5 +1,6 @@
 #include "app/finora_view.h"
 
+#include "editors/editor_widgets.h"
 #include "text/cp1251.h"
 
 #include <QHBoxLayout>
@@ -13,11 +14,6 @@
 
 namespace finora {
 namespace {
-
-QString qt(const std::string& cp1251Text)
-{
-    return QString::fromStdString(cp1251::toUtf8(cp1251Text));
-}
 
 } // namespace
 

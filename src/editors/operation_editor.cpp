@@ -5,6 +5,7 @@
 #include "text/cp1251.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace finora {
 namespace {
@@ -132,35 +133,35 @@ bool OperationEditor::isMainCurrency() const
     return m_currency == kMainCurrency;
 }
 
-double OperationEditor::number(EntryField field) const
+const std::string* OperationEditor::textOf(EntryField field) const
 {
     switch (field) {
     case EntryField::Amount:
-        return parseNumber(m_amountText);
+        return &m_amountText;
     case EntryField::Rate:
-        return parseNumber(m_rateText);
+        return &m_rateText;
     case EntryField::Value:
-        return parseNumber(m_valueText);
+        return &m_valueText;
     default:
-        return 0.0;
+        return nullptr;
     }
+}
+
+std::string* OperationEditor::textOf(EntryField field)
+{
+    return const_cast<std::string*>(std::as_const(*this).textOf(field));
+}
+
+double OperationEditor::number(EntryField field) const
+{
+    const std::string* text = textOf(field);
+    return text ? parseNumber(*text) : 0.0;
 }
 
 void OperationEditor::setNumber(EntryField field, double value)
 {
-    std::string text = fieldText(field, value);
-    switch (field) {
-    case EntryField::Amount:
-        m_amountText = std::move(text);
-        break;
-    case EntryField::Rate:
-        m_rateText = std::move(text);
-        break;
-    case EntryField::Value:
-        m_valueText = std::move(text);
-        break;
-    default:
-        break;
+    if (std::string* text = textOf(field)) {
+        *text = fieldText(field, value);
     }
 }
 
@@ -177,10 +178,7 @@ void OperationEditor::focusOut(EntryField field)
     if (m_focus == field) {
         m_focus = EntryField::None;
     }
-    const std::string& text = field == EntryField::Amount ? m_amountText
-                              : field == EntryField::Rate ? m_rateText
-                                                          : m_valueText;
-    if (text.empty()) {
+    if (const std::string* text = textOf(field); text && text->empty()) {
         setNumber(field, 0.0);
     }
     if (field == EntryField::Amount) {
@@ -195,19 +193,11 @@ void OperationEditor::focusOut(EntryField field)
 
 void OperationEditor::setText(EntryField field, std::string text)
 {
-    switch (field) {
-    case EntryField::Amount:
-        m_amountText = std::move(text);
-        break;
-    case EntryField::Rate:
-        m_rateText = std::move(text);
-        break;
-    case EntryField::Value:
-        m_valueText = std::move(text);
-        break;
-    default:
+    std::string* own = textOf(field);
+    if (!own) {
         return;
     }
+    *own = std::move(text);
     if (m_focus != field) {
         return; // a text rewritten by the recomputation drives nothing
     }

@@ -153,6 +153,8 @@ private:
     void addStoredRow(const Operation& op);
     void applyCurrencyRule();
     bool isMainCurrency() const;
+    const std::string* textOf(EntryField field) const;
+    std::string* textOf(EntryField field);
     void setNumber(EntryField field, double value);
     double number(EntryField field) const;
     RowTracking* trackingOf(const PaymentRow& row);

@@ -59,6 +59,15 @@ constexpr std::array<unsigned char, 256> makeUpperTable()
 
 constexpr std::array<unsigned char, 256> kUpper = makeUpperTable();
 
+std::string mapBytes(const std::array<unsigned char, 256>& table, std::string_view bytes)
+{
+    std::string out(bytes);
+    for (char& c : out) {
+        c = static_cast<char>(table[static_cast<unsigned char>(c)]);
+    }
+    return out;
+}
+
 } // namespace
 
 unsigned char foldCase(unsigned char byte)
@@ -68,11 +77,7 @@ unsigned char foldCase(unsigned char byte)
 
 std::string foldCase(std::string_view bytes)
 {
-    std::string out(bytes);
-    for (char& c : out) {
-        c = static_cast<char>(kFold[static_cast<unsigned char>(c)]);
-    }
-    return out;
+    return mapBytes(kFold, bytes);
 }
 
 
@@ -83,11 +88,7 @@ unsigned char upperCase(unsigned char byte)
 
 std::string upperCase(std::string_view bytes)
 {
-    std::string out(bytes);
-    for (char& c : out) {
-        c = static_cast<char>(kUpper[static_cast<unsigned char>(c)]);
-    }
-    return out;
+    return mapBytes(kUpper, bytes);
 }
 
 } // namespace finora
