@@ -7,6 +7,7 @@
 #include "editors/category_dialogs.h"
 #include "editors/currency_cash_dialog.h"
 #include "editors/operation_dialog.h"
+#include "editors/print_widths_dialog.h"
 #include "model/number_text.h"
 #include "editors/password_dialog.h"
 #include "editors/search_dialog.h"
@@ -37,7 +38,8 @@ CMainFrame::CMainFrame(SettingsStore& store, Prompter& prompter, DocumentHost& h
                        const Clock& clock, QWidget* parent)
     : QMainWindow(parent), m_settings(store), m_prompter(prompter), m_host(host), m_doc(clock),
       m_storage(m_doc, m_settings, m_prompter, m_host, m_backups),
-      m_view(new CFinoraView(m_doc, m_settings, m_prompter, this)), m_store(store)
+      m_view(new CFinoraView(m_doc, m_settings, m_prompter, this)), m_store(store),
+      m_report(m_doc, m_view->list(), m_settings)
 {
     setAcceptDrops(true);
     setObjectName(QStringLiteral("mainFrame"));
@@ -81,6 +83,16 @@ void CMainFrame::createActions()
         {"file", nullptr, nullptr, {}, {}},
         {"file", "actionImport", "&Импортиране на данни от друг документ ...", {},
          [this] { importLedgerFile(); }},
+        {"file", nullptr, nullptr, {}, {}},
+        {"file", "actionPrint", "&Печат ...", QKeySequence::Print, [this] { m_report.print(this); }},
+        {"file", "actionPrintPreview", "Предпе&чатен изглед на справката ...", {}, [this] { m_report.preview(this); }},
+        {"file", "actionExportPdf", "Запиши справката като P&DF ...", {}, [this] { exportReportPdf(); }},
+        {"file", "actionPageSetup", "Настро&йка на печата ...", {}, [this] { m_report.pageSetup(this); }},
+        {"file", "actionPrintWidths", "Настро&йка на полетата за печат ...", {},
+         [this] {
+             PrintWidthsDialog dialog(m_settings, m_prompter, this);
+             dialog.exec();
+         }},
         {"file", nullptr, nullptr, {}, {}},
         {"file", "actionExit", "Из&ход", {}, [this] { close(); }},
         {"edit", "actionRefresh", "&Опресни", QKeySequence(Qt::Key_F5), [this] { m_view->refresh(); }},
@@ -342,6 +354,22 @@ void CMainFrame::runLedgerDialog(Dialog& dialog)
     m_view->refresh();
 }
 
+void CMainFrame::exportReportPdf()
+{
+    QString path = QFileDialog::getSaveFileName(this, QStringLiteral("Запиши справката като PDF"),
+                                                QFileInfo(QString::fromStdString(m_doc.path())).path(),
+                                                QStringLiteral("PDF (*.pdf)"));
+    if (path.isEmpty()) {
+        return;
+    }
+    if (!path.endsWith(QStringLiteral(".pdf"), Qt::CaseInsensitive)) {
+        path += QStringLiteral(".pdf");
+    }
+    if (!m_report.exportPdf(path)) {
+        m_prompter.error("Справката не беше записана в " + path.toStdString() + ".");
+    }
+}
+
 void CMainFrame::updateCommands()
 {
     const OperationsList& list = m_view->list();
@@ -374,6 +402,9 @@ void CMainFrame::updateCommands()
     action("actionDeleteSelected")->setEnabled(anySelected);
     action("actionSetPaid")->setEnabled(anySelected);
     action("actionEditRecord")->setEnabled(anySelected);
+    for (const char* name : {"actionPrint", "actionPrintPreview", "actionExportPdf"}) {
+        action(name)->setEnabled(anyRow);
+    }
 }
 
 void CMainFrame::updateTitle()

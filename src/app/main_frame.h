@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/finora_view.h"
+#include "app/report_printer.h"
 #include "model/clock.h"
 #include "model/document_host.h"
 #include "model/finora_doc.h"
@@ -30,6 +31,7 @@ public:
     CFinoraView& view() { return *m_view; }
     // The action of a command by its object name ("actionRefresh", …), for tests and toolbars.
     QAction* action(const char* objectName) const;
+    ReportPrinter& report() { return m_report; }
 
     // A new, empty ledger; false when the user cancelled the save-changes question.
     bool newLedger();
@@ -65,6 +67,7 @@ private:
     template <class Dialog>
     void runLedgerDialog(Dialog& dialog);
     void importLedgerFile();
+    void exportReportPdf();
     void startCalculator();
     void rememberRecent(const QString& path);
     void fillRecentMenu();
@@ -80,6 +83,7 @@ private:
     CFinoraView* m_view;
     SettingsStore& m_store;
     QMenu* m_recentMenu = nullptr;
+    ReportPrinter m_report;
 };
 
 } // namespace finora

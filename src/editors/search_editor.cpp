@@ -88,8 +88,6 @@ std::optional<std::string> typedText(std::string_view utf8, Prompter& prompter)
     return out;
 }
 
-namespace {
-
 bool readNumberField(std::string_view text, double& value)
 {
     std::string s(text);
@@ -109,8 +107,6 @@ bool readNumberField(std::string_view text, double& value)
     return !s.empty() && result.ec == std::errc() && result.ptr == s.data() + s.size() &&
            std::isfinite(value);
 }
-
-} // namespace
 
 bool readAmountFilter(std::string_view amount, std::string_view tolerance, bool alsoBgl,
                       Prompter& prompter, AmountFilterRequest& request)

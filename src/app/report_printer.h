@@ -1,0 +1,46 @@
+#pragma once
+
+#include "model/finora_doc.h"
+#include "query/operations_list.h"
+#include "reports/print_layout.h"
+#include "settings/settings.h"
+
+#include <QPrinter>
+
+#include <memory>
+
+class QWidget;
+
+namespace finora {
+
+// Puts the list as it is shown on paper, in a preview or in a PDF file. The layout comes from
+// the core; this only maps its 0.1 mm units onto the printer and paints.
+class ReportPrinter {
+public:
+    ReportPrinter(const CFinoraDoc& doc, const OperationsList& list, const Settings& settings);
+
+    // "&Печат ...": the print dialog, with the choice of printing the selection.
+    void print(QWidget* parent);
+    // "Предпе&чатен изглед на справката ...".
+    void preview(QWidget* parent);
+    // "Настро&йка на печата ...": paper and orientation for the prints that follow.
+    void pageSetup(QWidget* parent);
+    // The whole list into a PDF file with the current paper and orientation; false when the
+    // list is empty or the file cannot be written.
+    bool exportPdf(const QString& path);
+
+    QPrinter& printer() { return *m_printer; }
+
+    // Paints every page on `printer`; the number of pages painted.
+    int paint(QPrinter& printer, bool selectionOnly) const;
+
+private:
+    ReportContext context() const;
+
+    const CFinoraDoc& m_doc;
+    const OperationsList& m_list;
+    const Settings& m_settings;
+    std::unique_ptr<QPrinter> m_printer;
+};
+
+} // namespace finora
