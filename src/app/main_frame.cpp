@@ -3,6 +3,7 @@
 #include "app/qt_document_host.h"
 #include "editors/amount_filter_dialog.h"
 #include "app/help_window.h"
+#include "app/yearly_chart_dialog.h"
 #include "editors/backup_folder_dialog.h"
 #include "editors/category_dialogs.h"
 #include "editors/currency_cash_dialog.h"
@@ -203,6 +204,14 @@ void CMainFrame::createActions()
                  CategoryTreeDialog dialog(m_doc, m_prompter, false, this);
                  runLedgerDialog(dialog);
              }
+         }},
+        {"ledger", nullptr, nullptr, {}, {}},
+        {"ledger", "actionYearlyChart", "&Диаграма за приходите и разходите през годината ...", {},
+         [this] {
+             DateTimeParts today;
+             m_doc.clock().now().toParts(today);
+             YearlyChartDialog dialog(m_doc, today.year, this);
+             dialog.exec();
          }},
         {"help", "actionHelp", "Помо&щна информация", QKeySequence(Qt::Key_F1), [this] { showHelp(this, {}); }},
         {"help", "actionEffective", "По-ефективна работа с продукта ...", {},

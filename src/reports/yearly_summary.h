@@ -3,6 +3,7 @@
 #include "model/finora_doc.h"
 
 #include <array>
+#include <string>
 
 namespace finora {
 
@@ -18,5 +19,16 @@ struct YearlySummary {
 // Fills `summary` for `year` and returns whether the maximum is not zero. A ledger without
 // operations returns false at once and leaves `summary` as it was.
 bool computeYearlySummary(const CFinoraDoc& doc, int year, YearlySummary& summary);
+
+// What the yearly chart draws: twelve groups of two whole numbers (income, expense), truncated
+// towards zero, and the y scale's maximum, truncated too.
+struct YearlyChartData {
+    std::string title; // UTF-8
+    std::array<const char*, 12> labels{};
+    std::array<std::array<int, 2>, 12> values{};
+    int yMaximum = 0;
+    static constexpr int kTicks = 50;
+};
+YearlyChartData yearlyChartData(const YearlySummary& summary, int year);
 
 } // namespace finora

@@ -161,8 +161,26 @@ TEST_F(ReportsTest, YearlySummaryMonthByMonth)
     EXPECT_EQ(s.maximum, 1300.0);
     EXPECT_DOUBLE_EQ(s.yearIncome, 1234.99);
     EXPECT_DOUBLE_EQ(s.yearExpense, 1305.5);
+
+    // The chart's numbers: first and last day in the first and last group, whole numbers
+    // truncated towards zero, the second label as the chart has always spelled it.
+    add(kIncome, 0, 0, -5.7, 1, DateTime::fromParts(2024, 2, 29));
+    ASSERT_TRUE(computeYearlySummary(doc, 2024, s));
+    const YearlyChartData chart = yearlyChartData(s, 2024);
+    EXPECT_EQ(chart.title, "СПРАВКА ЗА ПРИХОДИТЕ И РАЗХОДИТЕ ПРЕЗ 2024 ГОДИНА");
+    EXPECT_EQ(chart.values[0], (std::array<int, 2>{1234, 0}));
+    EXPECT_EQ(chart.values[1], (std::array<int, 2>{-5, 0}));
+    EXPECT_EQ(chart.values[11], (std::array<int, 2>{0, 1300}));
+    EXPECT_EQ(chart.values[5], (std::array<int, 2>{0, 5}));
+    EXPECT_EQ(chart.yMaximum, 1300);
+    EXPECT_STREQ(chart.labels[1], "феврурари");
+    EXPECT_STREQ(chart.labels[11], "декември");
+
+    // A year without rows: every bar and the maximum are zero.
     EXPECT_FALSE(computeYearlySummary(doc, 2019, s));
     EXPECT_EQ(s.maximum, 0.0);
+    EXPECT_EQ(yearlyChartData(s, 2019).yMaximum, 0);
+    EXPECT_EQ(yearlyChartData(s, 2019).values[0], (std::array<int, 2>{0, 0}));
 }
 
 TEST_F(ReportsTest, TheMaximumRemembersSumsThatLaterShrank)

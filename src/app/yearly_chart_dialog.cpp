@@ -1,0 +1,173 @@
+#include "app/yearly_chart_dialog.h"
+
+#include <QFileDialog>
+#include <QGridLayout>
+#include <QHBoxLayout>
+#include <QIntValidator>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPainter>
+#include <QPushButton>
+#include <QToolButton>
+#include <QVBoxLayout>
+
+namespace finora {
+
+// The chart frame. A picture is kept only for the size it was drawn at: once the frame is
+// resized the old picture no longer fits, and the frame asks for "обнови" instead.
+class YearlyChartDialog::Frame final : public QWidget {
+public:
+    explicit Frame(QWidget* parent) : QWidget(parent)
+    {
+        setObjectName(QStringLiteral("chartFrame"));
+        setMinimumSize(480, 300);
+        setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
+    }
+
+    void show(const Chart& chart)
+    {
+        m_picture = QPixmap(size() * devicePixelRatioF());
+        m_picture.setDevicePixelRatio(devicePixelRatioF());
+        QPainter painter(&m_picture);
+        chart.draw(painter, rect());
+        update();
+    }
+    const QPixmap& picture() const { return m_picture; }
+
+protected:
+    void paintEvent(QPaintEvent*) override
+    {
+        QPainter painter(this);
+        if (!m_picture.isNull() && m_picture.deviceIndependentSize().toSize() == size()) {
+            painter.drawPixmap(0, 0, m_picture);
+            return;
+        }
+        painter.fillRect(rect(), palette().window());
+        painter.setPen(palette().windowText().color());
+        painter.drawText(rect().adjusted(12, 12, -12, -12), Qt::AlignCenter | Qt::TextWordWrap,
+                         QString::fromUtf8(kRepaintText));
+    }
+
+private:
+    QPixmap m_picture;
+};
+
+YearlyChartDialog::YearlyChartDialog(const CFinoraDoc& doc, int year, QWidget* parent)
+    : QDialog(parent), m_doc(doc), m_year(year), m_chart(std::make_unique<Chart>()), m_frame(new Frame(this)),
+      m_yearEdit(new QLineEdit(QString::number(year), this))
+{
+    setWindowTitle(QStringLiteral("Диаграма на приходите и разходите по месеци ..."));
+    setObjectName(QStringLiteral("yearlyChart"));
+    m_yearEdit->setObjectName(QStringLiteral("year"));
+    m_yearEdit->setValidator(new QIntValidator(m_yearEdit));
+    m_yearEdit->setMaximumWidth(m_yearEdit->fontMetrics().horizontalAdvance(QStringLiteral("0000000")) + 12);
+    computeYearlySummary(m_doc, m_year, m_summary);
+
+    // The spin arrows step the year by one whatever it is; their own range is 2000 to 2020.
+    auto* up = new QToolButton(this);
+    auto* down = new QToolButton(this);
+    up->setArrowType(Qt::UpArrow);
+    down->setArrowType(Qt::DownArrow);
+    up->setObjectName(QStringLiteral("yearUp"));
+    down->setObjectName(QStringLiteral("yearDown"));
+    for (QToolButton* b : {up, down}) {
+        b->setAutoRepeat(true);
+        b->setFixedSize(18, 12);
+    }
+    auto* spin = new QVBoxLayout;
+    spin->setSpacing(0);
+    spin->addWidget(up);
+    spin->addWidget(down);
+    auto* generate = new QPushButton(QStringLiteral("генерирай диаграма"), this);
+    auto* refresh = new QPushButton(QStringLiteral("обнови"), this);
+    auto* save = new QPushButton(QStringLiteral("запиши като PNG ..."), this);
+    auto* exit = new QPushButton(QStringLiteral("изход"), this);
+    generate->setDefault(true);
+
+    connect(up, &QToolButton::clicked, this, [this] { stepYear(1); });
+    connect(down, &QToolButton::clicked, this, [this] { stepYear(-1); });
+    connect(generate, &QPushButton::clicked, this, [this] {
+        m_year = m_yearEdit->text().toInt();
+        draw(DrawMode::YearChanged);
+    });
+    connect(refresh, &QPushButton::clicked, this, [this] { draw(DrawMode::Refresh); });
+    connect(save, &QPushButton::clicked, this, [this] {
+        const QString path = QFileDialog::getSaveFileName(this, QStringLiteral("Запиши диаграмата"),
+                                                          QStringLiteral("диаграма-%1.png").arg(m_year),
+                                                          QStringLiteral("PNG (*.png)"));
+        if (!path.isEmpty()) {
+            savePicture(path);
+        }
+    });
+    connect(exit, &QPushButton::clicked, this, &QDialog::accept);
+
+    // The frame takes every pixel the dialog grows by; the controls keep to the bottom edge,
+    // "изход" to the bottom right corner.
+    auto* controls = new QHBoxLayout;
+    controls->addWidget(new QLabel(QStringLiteral("Генерирай диаграма за: "), this));
+    controls->addWidget(m_yearEdit);
+    controls->addLayout(spin);
+    controls->addWidget(generate);
+    controls->addWidget(refresh);
+    controls->addWidget(save);
+    controls->addStretch();
+    controls->addWidget(exit);
+    auto* layout = new QVBoxLayout(this);
+    layout->addWidget(m_frame, 1);
+    layout->addLayout(controls);
+    setSizeGripEnabled(true);
+    resize(820, 560);
+}
+
+YearlyChartDialog::~YearlyChartDialog() = default;
+
+const QPixmap& YearlyChartDialog::picture() const
+{
+    return m_frame->picture();
+}
+
+void YearlyChartDialog::showEvent(QShowEvent* event)
+{
+    QDialog::showEvent(event);
+    if (!m_drawn) {
+        m_drawn = true;
+        draw(DrawMode::First);
+    }
+}
+
+void YearlyChartDialog::stepYear(int step)
+{
+    m_year += step;
+    m_yearEdit->setText(QString::number(m_year));
+    draw(DrawMode::YearChanged);
+}
+
+void YearlyChartDialog::draw(DrawMode mode)
+{
+    m_chart = std::make_unique<Chart>();
+    m_chart->setGraphType(Chart::Bars);
+    m_chart->setXAxisTitle(QStringLiteral("месеци"));
+    m_chart->setYAxisTitle(QStringLiteral("сума"));
+    m_chart->setSeriesColor(0, QColor(0, 255, 0));
+    m_chart->setSeriesLegend(0, QStringLiteral("приходи"));
+    m_chart->setSeriesColor(1, QColor(255, 0, 0));
+    m_chart->setSeriesLegend(1, QStringLiteral("разходи"));
+    if (mode != DrawMode::Refresh) {
+        computeYearlySummary(m_doc, m_year, m_summary);
+    }
+    const YearlyChartData data = yearlyChartData(m_summary, m_year);
+    m_chart->setTitle(QString::fromStdString(data.title));
+    for (std::size_t m = 0; m < data.labels.size(); ++m) {
+        m_chart->addGroup(QString::fromUtf8(data.labels[m]), {data.values[m][0], data.values[m][1]});
+    }
+    m_chart->setYScale(0, data.yMaximum, YearlyChartData::kTicks);
+    m_frame->show(*m_chart);
+}
+
+bool YearlyChartDialog::savePicture(const QString& path) const
+{
+    return !m_frame->picture().isNull() && m_frame->picture().save(path, "PNG");
+}
+
+} // namespace finora
