@@ -3,7 +3,10 @@
 #include "app/qt_prompter.h"
 #include "app/qt_settings_store.h"
 
+#include "app/tip_dialog.h"
+
 #include <QApplication>
+#include <QTimer>
 
 int main(int argc, char** argv)
 {
@@ -19,9 +22,19 @@ int main(int argc, char** argv)
     prompter.setParent(&frame);
     host.setParent(&frame);
 
-    if (!frame.startUp(QApplication::arguments())) {
+    // "--no-tip" is for automation: no tip of the day waits for a click.
+    QStringList arguments = QApplication::arguments();
+    const bool tipAllowed = arguments.removeAll(QStringLiteral("--no-tip")) == 0;
+    if (!frame.startUp(arguments)) {
         return 1; // a ledger named on the command line that cannot be opened ends start-up
     }
     frame.showMaximized();
+    finora::Settings options(settings);
+    if (tipAllowed && options.value(finora::IntSetting::TipStartUp) == 0) {
+        QTimer::singleShot(0, &frame, [&] {
+            finora::TipDialog tip(finora::tipsFilePath(), options, prompter, &frame);
+            tip.exec();
+        });
+    }
     return QApplication::exec();
 }

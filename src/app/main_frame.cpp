@@ -3,6 +3,9 @@
 #include "app/qt_document_host.h"
 #include "editors/amount_filter_dialog.h"
 #include "app/help_window.h"
+#include "app/tip_dialog.h"
+#include "app/update_check.h"
+#include "app/web_links.h"
 #include "app/yearly_chart_dialog.h"
 #include "editors/backup_folder_dialog.h"
 #include "editors/category_dialogs.h"
@@ -21,6 +24,7 @@
 #include <map>
 #include <QCloseEvent>
 #include <QDragEnterEvent>
+#include <QDesktopServices>
 #include <QDropEvent>
 #include <QMimeData>
 #include <QProcess>
@@ -216,6 +220,22 @@ void CMainFrame::createActions()
         {"help", "actionHelp", "Помо&щна информация", QKeySequence(Qt::Key_F1), [this] { showHelp(this, {}); }},
         {"help", "actionEffective", "По-ефективна работа с продукта ...", {},
          [this] { showHelp(this, QStringLiteral("efective.htm")); }},
+        {"help", "actionTip", "Съвет на &деня", {},
+         [this] {
+             TipDialog dialog(tipsFilePath(), m_settings, m_prompter, this);
+             dialog.exec();
+         }},
+        {"help", nullptr, nullptr, {}, {}},
+        {"help", "actionUpdateCheck", "Проверка за нова &версия ...", {},
+         [this] {
+             const std::string own = m_settings.text(TextSetting::UpdateVersionFile);
+             UpdateCheck check(m_prompter,
+                               QUrl(QString::fromStdString(own.empty() ? kVersionFileAddress : own)),
+                               [](const QUrl& url) { QDesktopServices::openUrl(url); });
+             check.run();
+         }},
+        {"help", "actionHomePage", "Finora в &интернет ...", {},
+         [] { QDesktopServices::openUrl(QUrl(QString::fromLatin1(kHomePage))); }},
     };
     commands.insert(commands.end(), ledgerCommands.begin(), ledgerCommands.end());
     QMenu* file = menuBar()->addMenu(QStringLiteral("&Файл"));
@@ -241,6 +261,12 @@ void CMainFrame::createActions()
                              "actionSuggestNone", "actionSuggestLast", "actionSuggestAverage",
                              "actionAskForRate", "actionDblClickAdds", "actionDblClickFilters"}) {
         action(name)->setCheckable(true);
+    }
+    QMenu* sites = help->addMenu(QStringLiteral("Препоръчани сайтове"));
+    for (const WebLink& link : kRecommendedSites) {
+        const QUrl url(QString::fromLatin1(link.address));
+        connect(sites->addAction(QString::fromUtf8(link.label)), &QAction::triggered, this,
+                [url] { QDesktopServices::openUrl(url); });
     }
     m_recentMenu = new QMenu(QStringLiteral("Последно отваряни"), this);
     file->insertMenu(action("actionImport"), m_recentMenu);

@@ -50,10 +50,11 @@ struct TextSpec {
     std::string_view key;
 };
 
-constexpr std::array<TextSpec, 3> kTextSpecs = {{
+constexpr std::array<TextSpec, 4> kTextSpecs = {{
     {kSettings, "LastFileUsed"},
     {kSettings, "BackupDir"},
     {kTip, "TimeStamp"},
+    {"Update", "VersionFile"},
 }};
 
 constexpr std::array<std::string_view, kColumnCount> kColumnKeys = {

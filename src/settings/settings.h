@@ -30,7 +30,9 @@ enum class IntSetting {
     TipFilePos,
 };
 
-enum class TextSetting { LastFileUsed, BackupDir, TipTimeStamp };
+// UpdateVersionFile: where the update check reads the latest version; empty for the product's
+// own site.
+enum class TextSetting { LastFileUsed, BackupDir, TipTimeStamp, UpdateVersionFile };
 
 // The list columns in the order of their "ColStatus" keys.
 enum class Column { Date, Descr, Type, Category, Sum, Currency, SumBGL, Notes, LastModified, Payed };

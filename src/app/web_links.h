@@ -1,0 +1,23 @@
+#pragma once
+
+namespace finora {
+
+// Every address the program knows, in one place.
+inline constexpr const char* kHomePage = "https://finora.example.org/";
+inline constexpr const char* kVersionFileAddress = "https://finora.example.org/version.txt";
+// Read from the same folder as the version file.
+inline constexpr const char* kDownloadFileName = "download.txt";
+
+struct WebLink {
+    const char* label;
+    const char* address;
+};
+inline constexpr WebLink kRecommendedSites[] = {
+    {"Българска народна банка - валутни курсове ...", "https://www.bnb.bg/Statistics/StExternalSector/StExchangeRates/StERForeignCurrencies/"},
+    {"Национална агенция за приходите ...", "https://nap.bg/"},
+    {"Министерство на финансите ...", "https://www.minfin.bg/"},
+};
+
+inline constexpr double kOwnVersion = 1.501;
+
+} // namespace finora
