@@ -10,6 +10,9 @@
 
 #include <QAction>
 #include <QCheckBox>
+#include <QDir>
+#include <QFile>
+#include <QRegularExpression>
 #include <QComboBox>
 #include <QHeaderView>
 #include <QLabel>
@@ -290,6 +293,23 @@ TEST_F(EditorDialogsTest, HelpOpensAtItsTopics)
     EXPECT_EQ(help->currentTopic(), QStringLiteral("index.htm"));
     help->showTopic(QStringLiteral("help.chm::/no_such_page.htm"));
     EXPECT_EQ(help->currentTopic(), QStringLiteral("index.htm"));
+    // Every topic the program names has its own page, and every link between pages leads somewhere.
+    for (const char* topic : {"efective.htm", "help.chm::/ops_elem.htm", "case_elem.htm", "cat_elem.htm",
+                              "filters.htm", "report.htm", "safety.htm"}) {
+        help->showTopic(QString::fromLatin1(topic));
+        EXPECT_EQ(help->currentTopic(), QString::fromLatin1(topic).section(QLatin1Char('/'), -1)) << topic;
+    }
+    const QRegularExpression link(QStringLiteral("href=\"([^\"]+)\""));
+    for (const QString& page : QDir(QStringLiteral(":/help")).entryList({QStringLiteral("*.htm")})) {
+        QFile file(QStringLiteral(":/help/") + page);
+        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+        const QString html = QString::fromUtf8(file.readAll());
+        EXPECT_TRUE(html.contains(QStringLiteral("<h1>"))) << page.toStdString();
+        for (auto it = link.globalMatch(html); it.hasNext();) {
+            const QString target = it.next().captured(1);
+            EXPECT_TRUE(QFile::exists(QStringLiteral(":/help/") + target)) << page.toStdString() << " -> " << target.toStdString();
+        }
+    }
     help->close();
 }
 
