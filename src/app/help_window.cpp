@@ -1,5 +1,6 @@
 #include "app/help_window.h"
 
+#include "app/window_layout.h"
 #include <QFile>
 #include <QHBoxLayout>
 #include <QPointer>
@@ -47,6 +48,7 @@ HelpWindow::HelpWindow(QWidget* parent) : QWidget(parent, Qt::Window), m_browser
     layout->addLayout(buttons);
     layout->addWidget(m_browser);
     resize(760, 600);
+    keepWindowGeometry(this, "help");
 }
 
 void HelpWindow::showTopic(const QString& topic)

@@ -3,6 +3,7 @@
 #include "app/qt_document_host.h"
 #include "editors/amount_filter_dialog.h"
 #include "app/help_window.h"
+#include "app/window_layout.h"
 #include "app/tip_dialog.h"
 #include "app/update_check.h"
 #include "app/web_links.h"
@@ -57,10 +58,14 @@ CMainFrame::CMainFrame(SettingsStore& store, Prompter& prompter, DocumentHost& h
         updateTitle();
     });
     resize(1100, 700);
+    setWindowLayoutStore(&store);
     m_view->resetFilter();
 }
 
-CMainFrame::~CMainFrame() = default;
+CMainFrame::~CMainFrame()
+{
+    setWindowLayoutStore(nullptr);
+}
 
 QAction* CMainFrame::action(const char* objectName) const
 {

@@ -1,5 +1,6 @@
 #include "app/yearly_chart_dialog.h"
 
+#include "app/window_layout.h"
 #include <QFileDialog>
 #include <QGridLayout>
 #include <QHBoxLayout>
@@ -118,6 +119,7 @@ YearlyChartDialog::YearlyChartDialog(const CFinoraDoc& doc, int year, QWidget* p
     layout->addLayout(controls);
     setSizeGripEnabled(true);
     resize(820, 560);
+    keepWindowGeometry(this, "yearlyChart");
 }
 
 YearlyChartDialog::~YearlyChartDialog() = default;

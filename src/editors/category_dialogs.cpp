@@ -1,5 +1,6 @@
 #include "editors/category_dialogs.h"
 
+#include "app/window_layout.h"
 #include "editors/dialog_buttons.h"
 #include "editors/editor_widgets.h"
 #include "editors/search_editor.h"
@@ -66,7 +67,9 @@ CategoryChooserDialog::CategoryChooserDialog(const CFinoraDoc& doc, std::int32_t
     layout->addWidget(framed("списък на категориите (кликнете 2 пъти за избор)", m_tree, this), 1);
     layout->addWidget(buttons);
     setSizeGripEnabled(true);
+    setMinimumSize(300, 320);
     resize(380, 460);
+    keepWindowGeometry(this, "categoryChooser");
     showChoice();
 }
 
@@ -112,7 +115,9 @@ CategoryDialog::CategoryDialog(CFinoraDoc& doc, Prompter& prompter, CategoryEdit
     layout->setColumnStretch(1, 1);
     layout->setRowStretch(4, 1);
     setSizeGripEnabled(true);
+    setMinimumSize(360, 360);
     resize(440, 460);
+    keepWindowGeometry(this, "category");
     m_isSub->setChecked(m_editor.isSubcategory());
     showParent();
 }
@@ -209,6 +214,7 @@ CategoryTreeDialog::CategoryTreeDialog(CFinoraDoc& doc, Prompter& prompter, bool
     setSizeGripEnabled(true);
     setMinimumSize(560, 360);
     resize(760, 480);
+    keepWindowGeometry(this, "categories");
     rebuild();
 }
 

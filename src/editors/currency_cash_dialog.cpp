@@ -1,5 +1,6 @@
 #include "editors/currency_cash_dialog.h"
 
+#include "app/window_layout.h"
 #include "editors/dialog_buttons.h"
 #include "editors/editor_widgets.h"
 #include "editors/search_editor.h"
@@ -121,6 +122,7 @@ CurrencyCashDialog::CurrencyCashDialog(CFinoraDoc& doc, const Settings& settings
     setSizeGripEnabled(true);
     setMinimumSize(520, 260);
     resize(780, 380);
+    keepWindowGeometry(this, "currencyCash");
     fill();
 }
 

@@ -1,5 +1,6 @@
 #include "editors/operation_dialog.h"
 
+#include "app/window_layout.h"
 #include "editors/category_dialogs.h"
 #include "editors/editor_widgets.h"
 #include "editors/search_editor.h"
@@ -186,6 +187,7 @@ OperationDialog::OperationDialog(CFinoraDoc& doc, Settings& settings, Prompter& 
     setSizeGripEnabled(true);
     setMinimumSize(560, 480);
     resize(640, 560);
+    keepWindowGeometry(this, "operation");
 
     // --- what the user does, forwarded
     connect(m_date, &QDateEdit::dateChanged, this, [this](const QDate& d) { m_editor.setDate(fromQDate(d)); });

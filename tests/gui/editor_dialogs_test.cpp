@@ -314,3 +314,28 @@ TEST_F(EditorDialogsTest, HelpOpensAtItsTopics)
 }
 
 } // namespace
+
+namespace {
+
+TEST_F(EditorDialogsTest, ResizableDialogsReopenAtTheSizeTheyWereLeftAt)
+{
+    QSize left;
+    answerNextDialog([&](QDialog* d) {
+        EXPECT_TRUE(d->isSizeGripEnabled());
+        EXPECT_GT(d->minimumWidth(), 0);
+        d->resize(d->width() + 90, d->height() + 40);
+        left = d->size();
+        d->accept();
+    });
+    m_frame->action("actionCurrencyCash")->trigger();
+    EXPECT_FALSE(m_store.readText("WindowPositions", "currencyCash", "").empty());
+    QSize reopened;
+    answerNextDialog([&](QDialog* d) {
+        reopened = d->size();
+        d->accept();
+    });
+    m_frame->action("actionCurrencyCash")->trigger();
+    EXPECT_EQ(reopened, left);
+}
+
+} // namespace
