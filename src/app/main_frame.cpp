@@ -273,6 +273,43 @@ void CMainFrame::createActions()
         connect(sites->addAction(QString::fromUtf8(link.label)), &QAction::triggered, this,
                 [url] { QDesktopServices::openUrl(url); });
     }
+    // What each command does, in the status bar while its menu item is highlighted.
+    const std::pair<const char*, const char*> statusTips[] = {
+        {"actionNew", "Създава нов документ"},
+        {"actionOpen", "Отваря съществуващ документ"},
+        {"actionSave", "Записва текущия документ"},
+        {"actionSaveAs", "Записва текущия документ под ново име"},
+        {"actionImport", "Добавя операциите от друг документ на Finora"},
+        {"actionPrint", "Отпечатва справка за операциите в списъка"},
+        {"actionPrintPreview", "Показва справката така, както ще бъде отпечатана"},
+        {"actionExportPdf", "Записва справката във файл PDF"},
+        {"actionPageSetup", "Избор на хартия и ориентация за печат"},
+        {"actionPrintWidths", "Широчина на колоните в отпечатаната справка"},
+        {"actionExit", "Затваря програмата"},
+        {"actionRefresh", "Опреснява списъка според избраните филтри"},
+        {"actionAddRecord", "Добавя нова операция"},
+        {"actionEditRecord", "Променя маркираната операция"},
+        {"actionAddInCategory", "Добавя нова операция в категорията, избрана в дървото"},
+        {"actionDeleteAll", "Изтрива всички операции на документа"},
+        {"actionDeleteShown", "Изтрива всички операции в списъка"},
+        {"actionDeleteSelected", "Изтрива маркираните операции"},
+        {"actionSetPaid", "Отбелязва маркираните операции като изплатени"},
+        {"actionSearch", "Търси текст в операциите"},
+        {"actionAmountFilter", "Показва операциите с дадена сума"},
+        {"actionTodayOnly", "Показва само днешните операции"},
+        {"actionCurrencyCash", "Валутите на документа и наличностите в тях"},
+        {"actionCategories", "Създаване, промяна и изтриване на категории"},
+        {"actionYearlyChart", "Диаграма на приходите и разходите по месеци"},
+        {"actionTemporaryUnlock", "Отключва защитения документ до затварянето му"},
+        {"actionPermanentProtection", "Защитава документа с парола"},
+        {"actionHelp", "Отваря помощната информация"},
+        {"actionTip", "Показва съвет на деня"},
+        {"actionUpdateCheck", "Проверява за нова версия на програмата"},
+        {"actionHomePage", "посете сайта на програмата в интернет, за да проверите за нови версии ..."},
+    };
+    for (const auto& [name, tip] : statusTips) {
+        action(name)->setStatusTip(QString::fromUtf8(tip));
+    }
     m_recentMenu = new QMenu(QStringLiteral("Последно отваряни"), this);
     file->insertMenu(action("actionImport"), m_recentMenu);
     connect(m_recentMenu, &QMenu::aboutToShow, this, [this] { fillRecentMenu(); });
