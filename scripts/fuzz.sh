@@ -8,7 +8,7 @@ seconds=${1:-60}
 shift || true
 targets=("$@")
 if ((${#targets[@]} == 0)); then
-  targets=(fuzz_ledger_reader fuzz_streaming_reader fuzz_filter_file fuzz_import)
+  targets=(fuzz_ledger_reader fuzz_streaming_reader fuzz_filter_file fuzz_import fuzz_tips)
 fi
 
 if ! command -v clang++ >/dev/null; then
