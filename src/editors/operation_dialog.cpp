@@ -189,6 +189,14 @@ OperationDialog::OperationDialog(CFinoraDoc& doc, Settings& settings, Prompter& 
     resize(640, 560);
     keepWindowGeometry(this, "operation");
 
+    // The tab key follows the layout, top to bottom and left to right.
+    QWidget* order[] = {m_date, m_income, m_expense, m_description, chooseCategory, m_notes, m_amount, m_currency,
+                        m_rate, m_value, m_paid, m_addChange, clear, m_list, m_edit, m_delete, m_deleteAll, save,
+                        m_saveAndNew, cancel};
+    for (std::size_t i = 1; i < std::size(order); ++i) {
+        setTabOrder(order[i - 1], order[i]);
+    }
+
     // --- what the user does, forwarded
     connect(m_date, &QDateEdit::dateChanged, this, [this](const QDate& d) { m_editor.setDate(fromQDate(d)); });
     connect(types, &QButtonGroup::idClicked, this, [this](int id) { m_editor.setTypeIndex(id); });

@@ -90,6 +90,8 @@ TEST_F(EditorDialogsTest, AThreePaymentOperationIsEnteredChangedAndTrimmedBefore
         ran = true;
         EXPECT_EQ(d->windowTitle(), QStringLiteral("нова операция"));
         EXPECT_EQ(child<QLabel>(d, "category")->text(), QStringLiteral("изберете категория"));
+        // The tab key goes from the amount to the currency, as the fields stand.
+        EXPECT_EQ(child(d, "amount")->nextInFocusChain(), child<QComboBox>(d, "currency"));
         child(d, "description")->setText(QStringLiteral("Почивка в Гърция"));
         // The category from the chooser, by a double click in its tree.
         answerNextDialog([&](QDialog* chooser) {
