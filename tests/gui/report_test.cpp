@@ -6,7 +6,11 @@
 #include "support/scripted_host.h"
 #include "text/cp1251.h"
 
+#include "support/dialog_driver.h"
+
+#include <QAction>
 #include <QFile>
+#include <QPrintPreviewWidget>
 #include <QProcess>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
@@ -66,6 +70,28 @@ TEST(Report, AGeneratedListPrintsToAPdfWithTitleTotalsAndPageNumbers)
     frame.document().deleteAllOperations();
     frame.view().refresh();
     EXPECT_FALSE(frame.report().exportPdf(dir.filePath(QStringLiteral("празна.pdf"))));
+}
+
+TEST(Report, ThePreviewShowsEveryPage)
+{
+    MemorySettingsStore store;
+    FixedClock clock(DateTime::fromParts(2026, 11, 21, 9, 5));
+    test::ScriptedHost host;
+    RecordingPrompter prompter;
+    CMainFrame frame(store, prompter, host, clock);
+    frame.document().replaceLedger(generateLedger(120, 4));
+    frame.view().resetFilter();
+    const std::size_t rows = frame.view().list().rowCount();
+    int pages = -1;
+    test::answerNextDialog([&](QDialog* d) {
+        auto* preview = d->findChild<QPrintPreviewWidget*>();
+        ASSERT_NE(preview, nullptr);
+        preview->updatePreview();
+        pages = preview->pageCount();
+        d->reject();
+    });
+    frame.action("actionPrintPreview")->trigger();
+    EXPECT_EQ(pages, static_cast<int>((rows + 49) / 50));
 }
 
 } // namespace
