@@ -29,16 +29,27 @@ QString pdfText(const QString& path)
     return QString::fromUtf8(pdftotext.readAllStandardOutput());
 }
 
-TEST(Report, AGeneratedListPrintsToAPdfWithTitleTotalsAndPageNumbers)
-{
+// A main window over a generated ledger, its list showing every operation.
+class Report : public ::testing::Test {
+protected:
+    void open(std::int64_t operations, std::uint64_t seed)
+    {
+        frame.document().replaceLedger(generateLedger(operations, seed));
+        frame.view().resetFilter();
+    }
+
     MemorySettingsStore store;
-    FixedClock clock(DateTime::fromParts(2026, 11, 21, 9, 5));
+    FixedClock clock{DateTime::fromParts(2026, 11, 21, 9, 5)};
     test::ScriptedHost host;
     RecordingPrompter prompter;
-    CMainFrame frame(store, prompter, host, clock);
-    frame.document().replaceLedger(generateLedger(80, 11));
+    CMainFrame frame{store, prompter, host, clock};
+};
+
+TEST_F(Report, AGeneratedListPrintsToAPdfWithTitleTotalsAndPageNumbers)
+{
+    open(80, 11);
     frame.document().setPath("/tmp/домашен бюджет.fnr");
-    frame.view().resetFilter();
+    frame.view().refresh();
     const std::size_t rows = frame.view().list().rowCount();
     ASSERT_GT(rows, 50u);
     ASSERT_LE(rows, 100u);
@@ -72,15 +83,9 @@ TEST(Report, AGeneratedListPrintsToAPdfWithTitleTotalsAndPageNumbers)
     EXPECT_FALSE(frame.report().exportPdf(dir.filePath(QStringLiteral("празна.pdf"))));
 }
 
-TEST(Report, ThePreviewShowsEveryPage)
+TEST_F(Report, ThePreviewShowsEveryPage)
 {
-    MemorySettingsStore store;
-    FixedClock clock(DateTime::fromParts(2026, 11, 21, 9, 5));
-    test::ScriptedHost host;
-    RecordingPrompter prompter;
-    CMainFrame frame(store, prompter, host, clock);
-    frame.document().replaceLedger(generateLedger(120, 4));
-    frame.view().resetFilter();
+    open(120, 4);
     const std::size_t rows = frame.view().list().rowCount();
     int pages = -1;
     test::answerNextDialog([&](QDialog* d) {
