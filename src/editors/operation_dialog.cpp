@@ -320,7 +320,7 @@ void OperationDialog::showEntry()
     setTextKeepingCursor(m_value, QString::fromStdString(m_editor.valueText()));
     m_rate->setReadOnly(m_editor.rateAndValueReadOnly());
     m_value->setReadOnly(m_editor.rateAndValueReadOnly());
-    m_value->setEnabled(m_editor.valueEnabled() || m_editor.rateAndValueReadOnly());
+    m_value->setEnabled(m_editor.valueEnabled());
     m_currency->setCurrentText(qt(m_editor.currency()));
     m_paid->setChecked(m_editor.paid());
     m_showing = false;

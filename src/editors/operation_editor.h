@@ -182,7 +182,7 @@ private:
     std::string m_currency;
     bool m_paid = true;
     bool m_readOnlyRate = true;
-    bool m_valueEnabled = false;
+    bool m_valueEnabled = true;
     std::int32_t m_entryRecordId = 0;
     std::int32_t m_entryRowKey = 0;
     EntryField m_focus = EntryField::None;
