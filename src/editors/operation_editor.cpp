@@ -13,7 +13,6 @@ namespace {
 const std::string kYes = cp1251::fromUtf8OrThrow("ДА");
 const std::string kNo = cp1251::fromUtf8OrThrow("НЕ");
 const std::string kChooseCategory = cp1251::fromUtf8OrThrow(OperationEditor::kChooseCategoryText);
-const std::string kMainCurrency = "BGL";
 
 // The fields' own forms: rate and value have fixed decimals, the amount is shown as typed.
 std::string fieldText(EntryField field, double value)
@@ -39,9 +38,9 @@ OperationEditor::OperationEditor(CFinoraDoc& doc, Settings& settings, Prompter& 
                                  DateTime today, Opening opening)
     : m_doc(doc), m_settings(settings), m_prompter(prompter), m_editedId(opening.editedId),
       m_date(today), m_masterId(opening.masterId), m_amountText("0"), m_rateText("0"),
-      m_valueText(finora::amountText(0.0)), m_currency(kMainCurrency)
+      m_valueText(finora::amountText(0.0)), m_currency(doc.currencyName(0))
 {
-    m_currencies.push_back(kMainCurrency);
+    m_currencies.push_back(m_currency); // the main currency, as the document names it
     for (const Currency& c : doc.ledger().currencies) {
         m_currencies.push_back(c.name());
     }
@@ -130,7 +129,7 @@ void OperationEditor::refreshCategoryText()
 
 bool OperationEditor::isMainCurrency() const
 {
-    return m_currency == kMainCurrency;
+    return m_currency == m_doc.currencyName(0);
 }
 
 const std::string* OperationEditor::textOf(EntryField field) const
@@ -369,7 +368,7 @@ void OperationEditor::clearEntry()
     m_paid = true;
     m_entryRecordId = 0;
     m_entryRowKey = 0;
-    m_currency = kMainCurrency;
+    m_currency = m_doc.currencyName(0);
     applyCurrencyRule();
 }
 
