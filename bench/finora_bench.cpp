@@ -34,6 +34,7 @@ const FixedClock kClock(DateTime::fromParts(2026, 11, 1, 12, 0, 0));
 class NoHost final : public DocumentHost {
 public:
     std::optional<std::string> chooseSavePath() override { return std::nullopt; }
+    std::optional<std::string> chooseOpenPath(const std::string&) override { return std::nullopt; }
     void exitProgram(int) override {}
 };
 

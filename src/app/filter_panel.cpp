@@ -18,12 +18,10 @@
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
-#include <map>
 
 namespace finora {
 namespace {
 
-constexpr int kIdRole = Qt::UserRole;
 
 // A drop-down list that is refilled each time it opens, so it always offers the ledger's
 // currencies as they are now.
@@ -164,36 +162,7 @@ FilterPanel::FilterPanel(CFinoraDoc& doc, Settings& settings, Prompter& prompter
 
 void FilterPanel::fillCategoryTree()
 {
-    m_tree->clear();
-    std::map<std::int32_t, QTreeWidgetItem*> items;
-    for (const Category& c : m_doc.ledger().categories) {
-        if (items.count(c.id())) {
-            continue; // a repeated id: lookups see its first record
-        }
-        auto* item = new QTreeWidgetItem({qt(c.name())});
-        item->setData(0, kIdRole, c.id());
-        items.emplace(c.id(), item);
-    }
-    for (const Category& c : m_doc.ledger().categories) {
-        QTreeWidgetItem* item = items.at(c.id());
-        if (item->parent() || item->treeWidget()) {
-            continue;
-        }
-        const auto parent = items.find(c.parentId());
-        // Parents missing from the ledger, and a hand-made cycle, put the category at the top.
-        if (c.parentId() != 0 && parent != items.end() && !m_doc.isDescendant(c.parentId(), c.id())) {
-            parent->second->addChild(item);
-        } else {
-            m_tree->addTopLevelItem(item);
-        }
-    }
-    for (auto& [id, item] : items) {
-        if (!item->parent() && !item->treeWidget()) {
-            m_tree->addTopLevelItem(item);
-        }
-    }
-    m_tree->sortItems(0, Qt::AscendingOrder);
-    m_tree->expandAll();
+    finora::fillCategoryTree(m_tree, m_doc, SiblingOrder::Name);
 }
 
 void FilterPanel::fillCurrencies()
@@ -220,7 +189,7 @@ void FilterPanel::fillSelected()
     m_selected->clear();
     for (std::int32_t id : m_criteria.categories) {
         auto* item = new QTreeWidgetItem({qt(m_doc.categoryName(id))});
-        item->setData(0, kIdRole, id);
+        item->setData(0, kCategoryIdRole, id);
         m_selected->addTopLevelItem(item);
     }
     updateButtons();
@@ -280,7 +249,7 @@ std::optional<std::int32_t> FilterPanel::treeCategory() const
     if (!item || !item->isSelected()) {
         return std::nullopt;
     }
-    return item->data(0, kIdRole).toInt();
+    return item->data(0, kCategoryIdRole).toInt();
 }
 
 void FilterPanel::addTreeCategory()

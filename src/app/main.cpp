@@ -25,7 +25,11 @@ int main(int argc, char** argv)
     // "--no-tip" is for automation: no tip of the day waits for a click.
     QStringList arguments = QApplication::arguments();
     const bool tipAllowed = arguments.removeAll(QStringLiteral("--no-tip")) == 0;
-    if (!frame.startUp(arguments)) {
+    const bool started = frame.startUp(arguments);
+    if (const auto status = host.exitRequested()) {
+        return *status; // the version rules ended the program before its window was shown
+    }
+    if (!started) {
         return 1; // a ledger named on the command line that cannot be opened ends start-up
     }
     frame.showMaximized();

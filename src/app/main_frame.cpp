@@ -50,6 +50,7 @@ CMainFrame::CMainFrame(SettingsStore& store, Prompter& prompter, DocumentHost& h
     setAcceptDrops(true);
     setObjectName(QStringLiteral("mainFrame"));
     setCentralWidget(m_view);
+    m_storage.setLockProgram(std::string(kDesktopProgram));
     m_storage.attach();
     createActions();
     statusBar()->showMessage(QString::fromUtf8(kIdleText));
@@ -486,9 +487,11 @@ void CMainFrame::updateCommands()
 
 void CMainFrame::updateTitle()
 {
-    const QString name = m_doc.path().empty()
-                             ? QStringLiteral("Finora")
-                             : QFileInfo(QString::fromStdString(m_doc.path())).fileName();
+    QString name = m_doc.path().empty() ? QString::fromUtf8(kUntitledName)
+                                        : QFileInfo(QString::fromStdString(m_doc.path())).fileName();
+    if (m_storage.isReadOnly()) {
+        name += QString::fromUtf8(" (само за четене)");
+    }
     setWindowTitle(name + QStringLiteral("[*] - Finora"));
     setWindowModified(m_doc.isModified());
 }
@@ -498,9 +501,7 @@ bool CMainFrame::newLedger()
     if (!m_storage.saveModified()) {
         return false;
     }
-    m_doc.clear();
-    m_doc.setPath({});
-    m_doc.setModified(false);
+    m_storage.closeDocument();
     m_doc.setUnlocked(false);
     m_view->resetFilter();
     return true;
@@ -511,8 +512,11 @@ bool CMainFrame::openLedger(const QString& path)
     if (!m_storage.saveModified()) {
         return false;
     }
-    m_doc.setUnlocked(false);
     const auto result = m_storage.open(path.toStdString());
+    if (result == DocumentStorage::OpenResult::Cancelled) {
+        return false; // the ledger that was open stays as it was
+    }
+    m_doc.setUnlocked(false);
     m_view->resetFilter();
     if (result != DocumentStorage::OpenResult::Opened) {
         return false;
@@ -590,15 +594,14 @@ void CMainFrame::importLedgerFile()
     if (refuseWhenLocked(m_doc, m_prompter)) {
         return;
     }
-    const QString path = QFileDialog::getOpenFileName(this, QString(), QString(),
-                                                      QString::fromUtf8(QtDocumentHost::kLedgerFilter));
-    if (path.isEmpty()) {
+    const auto path = m_host.chooseOpenPath("Импортиране на данни от друг документ");
+    if (!path) {
         return;
     }
     std::string bytes;
     FileError error = FileError::None;
-    if (!readWholeFile(path.toStdString(), bytes, &error)) {
-        m_prompter.error("Файлът „" + path.toStdString() + "“ не може да бъде отворен.\n" + describe(error));
+    if (!readWholeFile(*path, bytes, &error)) {
+        m_prompter.error("Файлът „" + *path + "“ не може да бъде отворен.\n" + describe(error));
         return;
     }
     importLedger(m_doc, bytes, m_prompter);
@@ -636,10 +639,8 @@ void CMainFrame::dropEvent(QDropEvent* event)
 
 void CMainFrame::openWithDialog()
 {
-    const QString path = QFileDialog::getOpenFileName(this, QString(), QString(),
-                                                      QString::fromUtf8(QtDocumentHost::kLedgerFilter));
-    if (!path.isEmpty()) {
-        openLedger(path);
+    if (const auto path = m_host.chooseOpenPath({})) {
+        openLedger(QString::fromStdString(*path));
     }
 }
 

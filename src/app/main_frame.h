@@ -35,8 +35,12 @@ public:
 
     // A new, empty ledger; false when the user cancelled the save-changes question.
     bool newLedger();
-    // Opens a ledger; false when it could not be opened or the user cancelled.
+    // Opens a ledger; false when it could not be opened or the user cancelled. A ledger that
+    // could not be read leaves a new, untitled one, never the old one under its path.
     bool openLedger(const QString& path);
+    // True while the open ledger may not be written over (another program holds it, or its
+    // file is write-protected).
+    bool isReadOnly() const { return m_storage.isReadOnly(); }
     // The file named on the command line, else the last one used when `AutoOpen` is on.
     bool startUp(const QStringList& arguments);
     // Up to four ledgers, the latest first.
@@ -46,6 +50,8 @@ public:
         "Калкулаторът на Windows не беше открит. Моля, инсталирайте го.";
 
     static constexpr const char* kIdleText = "Finora е в състояние на готовност ...";
+    // The title's name of a ledger that has never been saved.
+    static constexpr const char* kUntitledName = "Без име";
 
 protected:
     void closeEvent(QCloseEvent* event) override;

@@ -3,7 +3,6 @@
 #include <QCoreApplication>
 #include <QFileDialog>
 
-#include <cstdlib>
 
 namespace finora {
 
@@ -20,10 +19,23 @@ std::optional<std::string> QtDocumentHost::chooseSavePath()
     return path.toStdString();
 }
 
+std::optional<std::string> QtDocumentHost::chooseOpenPath(const std::string& caption)
+{
+    const QString path = QFileDialog::getOpenFileName(m_parent, QString::fromStdString(caption), QString(),
+                                                      QString::fromUtf8(kLedgerFilter));
+    if (path.isEmpty()) {
+        return std::nullopt;
+    }
+    return path.toStdString();
+}
+
 void QtDocumentHost::exitProgram(int status)
 {
-    // The refusal of a file ends the whole program at once, asking nothing more.
-    std::exit(status);
+    // The refusal of a file ends the whole program, asking nothing more, but through the
+    // event loop's own way out rather than std::exit: the backup writer then finishes what it
+    // was given and the lock beside the ledger is removed.
+    m_exitStatus = status;
+    QCoreApplication::exit(status);
 }
 
 } // namespace finora

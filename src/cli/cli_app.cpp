@@ -5,7 +5,6 @@
 #include "model/clock.h"
 #include "model/document_host.h"
 #include "model/finora_doc.h"
-#include "model/recording_prompter.h"
 #include "query/operations_list.h"
 #include "reports/currency_cash.h"
 #include "reports/yearly_summary.h"
@@ -16,15 +15,18 @@
 #include "storage/backup_writer.h"
 #include "storage/document_storage.h"
 #include "storage/file_io.h"
+#include "storage/ledger_lock.h"
 #include "text/cp1251.h"
 
 #include <charconv>
+#include <chrono>
 #include <cstdio>
 #include <functional>
 #include <map>
 #include <memory>
 #include <optional>
 #include <set>
+#include <thread>
 
 namespace finora::cli {
 namespace {
@@ -149,8 +151,35 @@ DateTime parseNow(const std::string& text)
 class CliHost final : public DocumentHost {
 public:
     std::optional<std::string> chooseSavePath() override { return std::nullopt; }
+    std::optional<std::string> chooseOpenPath(const std::string&) override { return std::nullopt; }
     void exitProgram(int) override {}
 };
+
+// Keeps what the core said, and answers its questions the careful way: older files are
+// converted (that is the CLI's contract), every other question is answered so that nothing is
+// written over that the command line did not name.
+class CliPrompter final : public Prompter {
+public:
+    Answer show(const Message& message) override
+    {
+        m_messages.push_back(message);
+        if (message.buttons == MessageButtons::Ok) {
+            return Answer::Ok;
+        }
+        if (message.caption == DocumentStorage::kConvertCaption) {
+            return Answer::Yes;
+        }
+        return message.buttons == MessageButtons::YesNo ? Answer::No : Answer::Cancel;
+    }
+    const std::vector<Message>& messages() const { return m_messages; }
+    void clear() { m_messages.clear(); }
+
+private:
+    std::vector<Message> m_messages;
+};
+
+// How long a writer waits for another finora-cli command that holds the same ledger.
+constexpr auto kWaitForOtherCommand = std::chrono::seconds(30);
 
 // What every command works with: one document and the code paths the desktop program uses.
 class Session {
@@ -161,12 +190,37 @@ public:
           m_clock(args.value("--now") ? static_cast<const Clock&>(m_fixed) : m_system),
           m_doc(m_clock), m_storage(m_doc, m_settings, m_prompter, m_host, m_backups)
     {
+        m_storage.setChangedOnDisk(args.has("--force") ? DocumentStorage::ChangedOnDisk::Overwrite
+                                                       : DocumentStorage::ChangedOnDisk::Refuse);
+    }
+
+    // A command that writes a ledger holds its lock from before it reads until it has written:
+    // another finora-cli command is waited for, and a ledger open in the desktop program is
+    // refused unless --force says to write it all the same.
+    void lockForWriting(const std::string& path)
+    {
+        const auto deadline = std::chrono::steady_clock::now() + kWaitForOtherCommand;
+        for (;;) {
+            if (m_lock.acquire(path, kCommandLineProgram, m_clock.now()) != LedgerLock::Result::HeldByOther) {
+                return; // taken, or no lock can be kept there and so nobody holds one
+            }
+            const LockOwner& holder = m_lock.holder();
+            if (holder.program == kCommandLineProgram && std::chrono::steady_clock::now() < deadline) {
+                std::this_thread::sleep_for(std::chrono::milliseconds(50));
+                continue;
+            }
+            if (m_args.has("--force")) {
+                return;
+            }
+            throw Failure{kHeld, "документът „" + path + "“ е отворен от " + describeOwner(holder) +
+                                     "; затворете го там или добавете --force."};
+        }
     }
 
     CFinoraDoc& doc() { return m_doc; }
     const Arguments& args() const { return m_args; }
     Settings& settings() { return m_settings; }
-    RecordingPrompter& prompter() { return m_prompter; }
+    Prompter& prompter() { return m_prompter; }
     double openedVersion() const { return m_storage.openedVersion(); }
     const Clock& clock() const { return m_clock; }
 
@@ -204,7 +258,17 @@ public:
     {
         m_prompter.clear();
         if (!m_storage.save(path)) {
-            throw Failure{kNotWritten, oneLine(m_prompter.messages().back().text)};
+            switch (m_storage.lastSaveFailure()) {
+            case DocumentStorage::SaveFailure::ChangedOnDisk:
+                throw Failure{kNotWritten, "файлът „" + path + "“ беше променен от друга програма "
+                                           "по време на командата; нищо не е записано."};
+            case DocumentStorage::SaveFailure::ReadOnly:
+                throw Failure{kNotWritten, "файлът „" + path + "“ е защитен от запис; нищо не е записано."};
+            default:
+                throw Failure{kNotWritten, m_prompter.messages().empty()
+                                               ? "файлът „" + path + "“ не е записан."
+                                               : oneLine(m_prompter.messages().back().text)};
+            }
         }
         m_backups.waitIdle();
     }
@@ -226,11 +290,12 @@ private:
     SystemClock m_system;
     FixedClock m_fixed;
     const Clock& m_clock;
-    RecordingPrompter m_prompter{Answer::Yes}; // older files are converted without asking
+    CliPrompter m_prompter;
     CliHost m_host;
     BackupWriter m_backups;
     CFinoraDoc m_doc;
     DocumentStorage m_storage;
+    LedgerLock m_lock; // last: let go only once the backup is written
 };
 
 std::string utf8(std::string_view cp1251Text)
@@ -255,13 +320,20 @@ void writeCounters(JsonWriter& json, const LedgerCounters& c)
 
 // --- the commands
 
-int cmdNew(Session& s, std::ostream& out)
+// `new` and `generate` make a ledger from nothing: an existing file is replaced only when asked.
+void refuseExisting(const Session& s, const std::string& path)
 {
-    const std::string& path = s.args().positional[1];
     std::error_code ec;
     if (!s.args().has("--force") && std::filesystem::exists(pathFromUtf8(path), ec)) {
         throw Failure{kNotWritten, "файлът „" + path + "“ вече съществува; с --force ще бъде заменен."};
     }
+}
+
+int cmdNew(Session& s, std::ostream& out)
+{
+    const std::string& path = s.args().positional[1];
+    refuseExisting(s, path);
+    s.lockForWriting(path);
     s.save(path);
     out << "Създаден е празен документ: " << path << '\n';
     return kOk;
@@ -346,8 +418,9 @@ int cmdDump(Session& s, std::ostream& out)
 int cmdConvert(Session& s, std::ostream& out)
 {
     const std::string& path = s.args().positional[1];
-    s.open(path, false);
     const std::string target = s.args().value("-o").value_or(path);
+    s.lockForWriting(target);
+    s.open(path, false);
     s.save(target);
     out << "Записан във формат 1.4: " << target << '\n';
     return kOk;
@@ -366,6 +439,8 @@ int cmdGenerate(Session& s, std::ostream& out)
     }
     const auto seed = static_cast<std::uint64_t>(
         parseInteger(s.args().value("--seed").value_or("1"), "--seed", 0));
+    refuseExisting(s, path);
+    s.lockForWriting(path);
     s.doc().replaceLedger(generateLedger(n, seed));
     s.save(path);
     out << "Създаден е документ с " << n << " операции: " << path << '\n';
@@ -639,6 +714,8 @@ int cmdImport(Session& s, std::ostream& out)
 {
     const std::string& path = s.args().positional[1];
     const std::string& other = s.args().positional[2];
+    const std::string target = s.args().value("-o").value_or(path);
+    s.lockForWriting(target);
     s.open(path, true);
     std::string bytes;
     FileError error = FileError::None;
@@ -649,7 +726,7 @@ int cmdImport(Session& s, std::ostream& out)
     if (r.status != ImportResult::Status::Imported) {
         throw Failure{r.status == ImportResult::Status::Newer ? kNewerFormat : kUnreadable, oneLine(r.message)};
     }
-    s.save(s.args().value("-o").value_or(path));
+    s.save(target);
     if (s.args().has("--json")) {
         JsonWriter json(out);
         json.beginObject().key("added").value(r.added).key("skipped").value(r.skipped).key("import_category");
@@ -673,6 +750,7 @@ int cmdLock(Session& s, std::ostream& out)
     if (!password || password->empty()) {
         throw Failure{kUsage, "lock изисква непразна --new-password."};
     }
+    s.lockForWriting(path);
     s.open(path, false);
     // Changing an existing protection takes the current password first.
     s.unlockWithPassword(CFinoraDoc::LockCheck::RemoveProtection);
@@ -685,6 +763,7 @@ int cmdLock(Session& s, std::ostream& out)
 int cmdUnlock(Session& s, std::ostream& out)
 {
     const std::string& path = s.args().positional[1];
+    s.lockForWriting(path);
     s.open(path, false);
     if (s.doc().lockText().empty()) {
         out << "Документът не е защитен с парола: " << path << '\n';
@@ -748,7 +827,7 @@ constexpr Command kCommands[] = {
     {"dump", 1, cmdDump, "dump FILE --json                   всички записи и броячи като JSON"},
     {"convert", 1, cmdConvert, "convert FILE [-o OUT]              записва във формат 1.4"},
     {"generate", 1, cmdGenerate,
-     "generate FILE --operations N [--seed S]   примерен документ за демонстрации и измервания"},
+     "generate FILE --operations N [--seed S] [--force]   примерен документ за демонстрации и измервания"},
     {"list", 1, cmdList, "list FILE [филтър] [търсене] [сума] [--json]   списъкът на главния прозорец"},
     {"export", 1, cmdExport, "export FILE --csv [филтър] [търсене] [сума]   същите редове като CSV"},
     {"cash", 1, cmdCash, "cash FILE [--json]                 валутната каса"},
@@ -777,8 +856,11 @@ void printHelp(std::ostream& out)
            "Търсене: --search ТЕКСТ --mode and|or|not --exact --in description,notes,currency\n"
            "         --case-sensitive --only-matching\n"
            "Сума: --amount A --tolerance T --also-bgl\n\n"
+           "Команди, които записват документ, го заключват за времето си; документ, отворен във\n"
+           "Finora, се записва само с --force.\n\n"
            "Изходен код: 0 успех, 1 грешна употреба, 2 файлът не може да бъде прочетен,\n"
-           "3 файлът е от по-нова версия, 4 документът е защитен, 5 файлът не може да бъде записан.\n";
+           "3 файлът е от по-нова версия, 4 документът е защитен, 5 файлът не може да бъде записан,\n"
+           "6 документът е отворен във Finora.\n";
 }
 
 } // namespace

@@ -16,6 +16,7 @@ enum ExitStatus : int {
     kNewerFormat = 3,
     kLocked = 4,
     kNotWritten = 5,
+    kHeld = 6, // the ledger is open in the desktop program (its lock file); --force overrides
 };
 
 // Runs one command line (without the program name). Output is UTF-8; errors go to `err` as one

@@ -1,11 +1,12 @@
 #include "editors/category_tree.h"
 
+#include <algorithm>
 #include <unordered_map>
 #include <unordered_set>
 
 namespace finora {
 
-std::vector<CategoryNode> categoryTree(const CFinoraDoc& doc)
+std::vector<CategoryNode> categoryTree(const CFinoraDoc& doc, SiblingOrder order)
 {
     const auto& categories = doc.ledger().categories;
     // Children by parent in ledger order; one pass, so a tree of thousands stays instant.
@@ -16,6 +17,14 @@ std::vector<CategoryNode> categoryTree(const CFinoraDoc& doc)
         if (ids.insert(c.id()).second) {
             firsts.push_back(&c);
             children[c.parentId()].push_back(&c);
+        }
+    }
+
+    if (order == SiblingOrder::Name) {
+        // Byte order of Windows-1251 is alphabetical for Latin and for Cyrillic letters alike.
+        for (auto& [parent, kids] : children) {
+            std::stable_sort(kids.begin(), kids.end(),
+                             [](const Category* a, const Category* b) { return a->name() < b->name(); });
         }
     }
 

@@ -15,9 +15,14 @@ struct CategoryNode {
     const std::string* name = nullptr; // Windows-1251, owned by the ledger
 };
 
-// Top-level categories in ledger order, each followed depth first by its children in ledger
-// order. A category whose parent is not in the ledger (only a hand-made file has one) comes at
-// the end as a top-level item rather than vanishing; a repeated id appears once.
-std::vector<CategoryNode> categoryTree(const CFinoraDoc& doc);
+// How siblings follow each other: as the ledger lists them (the editors), or by name (the
+// filter panel, where a long list is searched by eye).
+enum class SiblingOrder { Ledger, Name };
+
+// Top-level categories, each followed depth first by its children, siblings in `order`. A
+// category whose parent is not in the ledger (only a hand-made file has one) comes at the end
+// as a top-level item rather than vanishing; a repeated id appears once. One pass with an
+// explicit stack: any depth, any size, linear.
+std::vector<CategoryNode> categoryTree(const CFinoraDoc& doc, SiblingOrder order = SiblingOrder::Ledger);
 
 } // namespace finora

@@ -39,15 +39,16 @@ std::optional<std::int32_t> categoryIdOf(const QTreeWidgetItem* item)
     return item->data(0, kCategoryIdRole).toInt();
 }
 
-void fillCategoryTree(QTreeWidget* tree, const CFinoraDoc& doc)
+void fillCategoryTree(QTreeWidget* tree, const CFinoraDoc& doc, SiblingOrder order)
 {
     tree->clear();
     std::vector<QTreeWidgetItem*> path; // the last item placed at each depth
     QList<QTreeWidgetItem*> tops;
-    for (const CategoryNode& node : categoryTree(doc)) {
+    for (const CategoryNode& node : categoryTree(doc, order)) {
         auto* item = new QTreeWidgetItem({qt(*node.name)});
         item->setData(0, kCategoryIdRole, node.id);
-        const auto depth = static_cast<std::size_t>(node.depth);
+        // Qt lays out, sorts and deletes tree items recursively.
+        const auto depth = static_cast<std::size_t>(std::min(node.depth, kMaxShownCategoryDepth));
         path.resize(depth);
         if (depth == 0) {
             tops.append(item);

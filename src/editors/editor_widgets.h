@@ -1,5 +1,6 @@
 #pragma once
 
+#include "editors/category_tree.h"
 #include "model/finora_doc.h"
 
 #include <QDate>
@@ -26,9 +27,11 @@ DateTime fromQDate(const QDate& d);
 // The category id an item of a category tree carries.
 inline constexpr int kCategoryIdRole = 0x0100; // Qt::UserRole
 std::optional<std::int32_t> categoryIdOf(const QTreeWidgetItem* item);
-// The ledger's categories as the editors show them: top level in ledger order, children below
-// their parents, everything expanded.
-void fillCategoryTree(QTreeWidget* tree, const CFinoraDoc& doc);
+// The ledger's categories as a tree widget shows them: children below their parents, siblings
+// in `order`, everything expanded. Below a depth no person builds, the rest of a chain is shown
+// at that depth: a hand-made file nested a hundred thousand deep stays a usable list.
+void fillCategoryTree(QTreeWidget* tree, const CFinoraDoc& doc, SiblingOrder order = SiblingOrder::Ledger);
+inline constexpr int kMaxShownCategoryDepth = 32;
 // The item that carries the id, if the tree shows it.
 QTreeWidgetItem* findCategoryItem(QTreeWidget* tree, std::int32_t id);
 

@@ -2,6 +2,9 @@
 
 #include "lock/password_digest.h"
 
+#include <unordered_map>
+#include <unordered_set>
+
 namespace finora {
 namespace {
 
@@ -73,6 +76,36 @@ bool CFinoraDoc::isDescendant(std::int32_t category, std::int32_t ancestor) cons
         current = c->parentId();
     }
     return false;
+}
+
+std::vector<std::int32_t> CFinoraDoc::descendants(const std::vector<std::int32_t>& ancestors) const
+{
+    // Lookups see the first record of an id, so only first records hang in the tree.
+    const auto& list = m_ledger.categories;
+    std::unordered_map<std::int32_t, std::vector<std::int32_t>> children;
+    for (const Category& c : list) {
+        if (list.find(c.id()) == &c) {
+            children[c.parentId()].push_back(c.id());
+        }
+    }
+    std::vector<std::int32_t> found;
+    std::unordered_set<std::int32_t> seen;
+    std::vector<std::int32_t> pending(ancestors.begin(), ancestors.end());
+    while (!pending.empty()) {
+        const std::int32_t parent = pending.back();
+        pending.pop_back();
+        const auto kids = children.find(parent);
+        if (kids == children.end()) {
+            continue;
+        }
+        for (const std::int32_t kid : kids->second) {
+            if (seen.insert(kid).second) {
+                found.push_back(kid);
+                pending.push_back(kid);
+            }
+        }
+    }
+    return found;
 }
 
 Operation CFinoraDoc::operation(std::int32_t id) const

@@ -7,6 +7,7 @@
 #include <functional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace finora {
 
@@ -36,6 +37,10 @@ public:
     bool hasSubcategories(std::int32_t id) const;
     // Walks up from `category`: true when some category on the way has `ancestor` as parent.
     bool isDescendant(std::int32_t category, std::int32_t ancestor) const;
+    // Every category below any of `ancestors`, at any depth, each once: the categories for which
+    // isDescendant holds with one of them, found in one pass over the list however deep the
+    // tree is, and safe on a hand-made cycle.
+    std::vector<std::int32_t> descendants(const std::vector<std::int32_t>& ancestors) const;
     // A copy of the first operation with the id, or an empty record with id 0.
     Operation operation(std::int32_t id) const;
     std::size_t operationCount() const { return m_ledger.operations.size(); }

@@ -11,19 +11,8 @@ FilterMatcher::FilterMatcher(const FilterCriteria& criteria, const CFinoraDoc& d
 {
     m_categories = criteria.categories;
     if (includeSubcategories && !m_anyCategory) {
-        // Every category (by its first record, as lookups see it) below a selected one.
-        const auto& list = doc.ledger().categories;
-        for (const Category& c : list) {
-            if (list.find(c.id()) != &c) {
-                continue;
-            }
-            for (std::int32_t selected : criteria.categories) {
-                if (doc.isDescendant(c.id(), selected)) {
-                    m_categories.push_back(c.id());
-                    break;
-                }
-            }
-        }
+        const std::vector<std::int32_t> below = doc.descendants(criteria.categories);
+        m_categories.insert(m_categories.end(), below.begin(), below.end());
     }
     std::sort(m_categories.begin(), m_categories.end());
     m_categories.erase(std::unique(m_categories.begin(), m_categories.end()), m_categories.end());

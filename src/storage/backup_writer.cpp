@@ -26,12 +26,13 @@ BackupWriter::~BackupWriter()
     m_thread.join();
 }
 
-void BackupWriter::submit(std::string path, std::shared_ptr<const std::string> bytes)
+void BackupWriter::submit(std::string path, std::shared_ptr<const std::string> bytes,
+                          std::string ledgerPath)
 {
     {
         std::lock_guard lock(m_mutex);
         std::erase_if(m_jobs, [&](const Job& job) { return job.path == path; });
-        m_jobs.push_back(Job{std::move(path), std::move(bytes)});
+        m_jobs.push_back(Job{std::move(path), std::move(bytes), std::move(ledgerPath)});
     }
     m_wake.notify_one();
 }
@@ -54,7 +55,11 @@ void BackupWriter::run()
         m_jobs.pop_front();
         m_busy = true;
         lock.unlock();
-        writeFile(job.path, *job.bytes);
+        AtomicWriteOptions options;
+        if (!job.ledgerPath.empty()) {
+            options.permissionsFrom = pathFromUtf8(job.ledgerPath);
+        }
+        writeFileAtomically(job.path, *job.bytes, nullptr, options);
         lock.lock();
         m_busy = false;
         if (m_jobs.empty()) {

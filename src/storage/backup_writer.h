@@ -14,8 +14,9 @@ namespace finora {
 std::string backupPathFor(const std::string& ledgerPath, const std::string& backupDir);
 
 // Writes ".bak" copies on a worker thread from bytes that nobody changes any more, so a save
-// never waits for its backup and the backup never reads the live ledger. A backup that cannot
-// be written is dropped without a word.
+// never waits for its backup and the backup never reads the live ledger. A backup is replaced
+// atomically, so one that cannot be written (a full disk) is dropped without a word and leaves
+// the previous backup whole.
 class BackupWriter {
 public:
     BackupWriter();
@@ -24,8 +25,10 @@ public:
     BackupWriter(const BackupWriter&) = delete;
     BackupWriter& operator=(const BackupWriter&) = delete;
 
-    // A newer request for the same file replaces one that has not started yet.
-    void submit(std::string path, std::shared_ptr<const std::string> bytes);
+    // A newer request for the same file replaces one that has not started yet. The backup takes
+    // the permissions, owner and group of `ledgerPath`: a private ledger keeps a private copy.
+    void submit(std::string path, std::shared_ptr<const std::string> bytes,
+                std::string ledgerPath = {});
     // Returns once every request so far is written or dropped.
     void waitIdle();
 
@@ -33,6 +36,7 @@ private:
     struct Job {
         std::string path;
         std::shared_ptr<const std::string> bytes;
+        std::string ledgerPath;
     };
     void run();
 

@@ -67,7 +67,9 @@ std::uint64_t entryHash(const EntryKey& k)
 
 // The entries of a ledger by the duplicate rule: a flat table of (hash, record) with linear
 // probing, so a million entries cost one allocation, and records are compared only when their
-// hashes agree.
+// hashes agree. An entry is kept once however often the ledger repeats it (a ledger of a
+// hundred thousand identical rows must not make one probe chain of them all), and the hash is
+// mixed again before it picks a slot, so keys alike in their low bits do not crowd together.
 class EntrySet {
 public:
     explicit EntrySet(std::size_t expected)
@@ -75,26 +77,15 @@ public:
     {
     }
 
-    bool contains(const EntryKey& key, std::uint64_t hash) const
-    {
-        for (std::size_t i = hash & m_mask;; i = (i + 1) & m_mask) {
-            const Slot& s = m_slots[i];
-            if (!s.op) {
-                return false;
-            }
-            if (s.hash == hash && sameEntry(EntryKey::of(*s.op, s.op->currencyId()), key)) {
-                return true;
-            }
-        }
-    }
-    // The caller keeps `op` where it is for as long as the set lives.
+    bool contains(const EntryKey& key, std::uint64_t hash) const { return find(key, hash).second; }
+    // Adds the entry unless an equal one is there; the caller keeps `op` where it is for as
+    // long as the set lives.
     void insert(const Operation& op, std::uint64_t hash)
     {
-        std::size_t i = hash & m_mask;
-        while (m_slots[i].op) {
-            i = (i + 1) & m_mask;
+        const auto [slot, found] = find(EntryKey::of(op, op.currencyId()), hash);
+        if (!found) {
+            m_slots[slot] = Slot{hash, &op};
         }
-        m_slots[i] = Slot{hash, &op};
     }
 
 private:
@@ -102,6 +93,30 @@ private:
         std::uint64_t hash = 0;
         const Operation* op = nullptr;
     };
+
+    static std::size_t home(std::uint64_t hash)
+    {
+        hash ^= hash >> 33;
+        hash *= 0xFF51AFD7ED558CCDULL;
+        hash ^= hash >> 33;
+        hash *= 0xC4CEB9FE1A85EC53ULL;
+        hash ^= hash >> 33;
+        return static_cast<std::size_t>(hash);
+    }
+    // The slot of an equal entry, or the free slot where it would go.
+    std::pair<std::size_t, bool> find(const EntryKey& key, std::uint64_t hash) const
+    {
+        for (std::size_t i = home(hash) & m_mask;; i = (i + 1) & m_mask) {
+            const Slot& s = m_slots[i];
+            if (!s.op) {
+                return {i, false};
+            }
+            if (s.hash == hash && sameEntry(EntryKey::of(*s.op, s.op->currencyId()), key)) {
+                return {i, true};
+            }
+        }
+    }
+
     std::vector<Slot> m_slots;
     std::size_t m_mask;
 };
@@ -123,11 +138,24 @@ CategoryPlace placeOf(const Category& c, const RecordList<Category>& list)
     return {c.name(), false, parent ? parent->name() : std::string()};
 }
 
-// The open ledger's category in the same place, or 0.
-std::int32_t categoryAt(const CategoryPlace& place, const RecordList<Category>& list)
+struct PlaceHash {
+    std::size_t operator()(const CategoryPlace& p) const
+    {
+        const std::size_t h = std::hash<std::string>()(p.name);
+        return h ^ (std::hash<std::string>()(p.parentName) * 31 + (p.topLevel ? 1 : 0));
+    }
+};
+
+// The open ledger's categories by place, each place naming its first category in list order:
+// one pass, so matching a tree of any size against another stays linear.
+std::unordered_map<CategoryPlace, std::int32_t, PlaceHash> placesOf(const RecordList<Category>& list)
 {
-    const Category* match = list.findIf([&](const Category& c) { return placeOf(c, list) == place; });
-    return match ? match->id() : 0;
+    std::unordered_map<CategoryPlace, std::int32_t, PlaceHash> places;
+    places.reserve(list.size());
+    for (const Category& c : list) {
+        places.emplace(placeOf(c, list), c.id());
+    }
+    return places;
 }
 
 std::string importCategoryName(const DateTime& now)
@@ -163,13 +191,14 @@ ImportResult importLedger(CFinoraDoc& doc, std::string_view bytes, Prompter& pro
     const auto& ours = doc.ledger().categories;
     std::unordered_map<std::int32_t, std::int32_t> categoryMap;
     bool treesMatch = true;
+    const auto places = placesOf(ours);
     for (const Category& c : other.categories) {
-        const std::int32_t target = categoryAt(placeOf(c, other.categories), ours);
-        if (target == 0) {
+        const auto target = places.find(placeOf(c, other.categories));
+        if (target == places.end() || target->second == 0) {
             treesMatch = false;
             break;
         }
-        categoryMap.emplace(c.id(), target);
+        categoryMap.emplace(c.id(), target->second);
     }
     for (const Operation& op : other.operations) {
         if (!treesMatch || categoryMap.count(op.categoryId()) == 0) {

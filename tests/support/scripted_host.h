@@ -9,9 +9,20 @@
 
 namespace finora::test {
 
-// Answers save dialogs from a queue (an empty queue cancels) and records requests to end.
+// Answers save and open dialogs from queues (an empty queue cancels) and records requests to
+// end.
 class ScriptedHost final : public DocumentHost {
 public:
+    std::optional<std::string> chooseOpenPath(const std::string& caption) override
+    {
+        openCaptions.push_back(caption);
+        if (openPaths.empty()) {
+            return std::nullopt;
+        }
+        auto p = openPaths.front();
+        openPaths.pop_front();
+        return p;
+    }
     std::optional<std::string> chooseSavePath() override
     {
         ++dialogs;
@@ -26,6 +37,8 @@ public:
 
     std::deque<std::optional<std::string>> paths;
     int dialogs = 0;
+    std::deque<std::string> openPaths;
+    std::vector<std::string> openCaptions;
     std::vector<int> exits;
 };
 
