@@ -1,72 +1,15 @@
-#include "ledger_builders.h"
-#include "model/recording_prompter.h"
-#include "support/scripted_host.h"
-#include "settings/memory_settings_store.h"
-#include "storage/document_storage.h"
-#include "storage/file_io.h"
-
-#include <gtest/gtest.h>
+#include "storage/storage_fixture.h"
 
 #include <csignal>
 #include <deque>
-#include <filesystem>
-#include <fstream>
 
 #ifndef _WIN32
 #include <sys/resource.h>
 #endif
 
 using namespace finora;
+using namespace finora::test;
 namespace fs = std::filesystem;
-
-namespace {
-
-using test::ScriptedHost;
-
-std::string readFile(const fs::path& p)
-{
-    std::ifstream in(p, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(in), {});
-}
-
-void writeBytes(const fs::path& p, const std::string& bytes)
-{
-    std::ofstream(p, std::ios::binary) << bytes;
-}
-
-class StorageTest : public ::testing::Test {
-protected:
-    StorageTest()
-        : dir(fs::temp_directory_path() /
-              ("finora-storage-" + std::to_string(::testing::UnitTest::GetInstance()->random_seed()) +
-               "-" + ::testing::UnitTest::GetInstance()->current_test_info()->name())),
-          doc(clock), settings(store), storage(doc, settings, prompter, host, backups)
-    {
-        fs::remove_all(dir);
-        fs::create_directories(dir);
-        storage.attach();
-    }
-    ~StorageTest() override
-    {
-        backups.waitIdle();
-        fs::remove_all(dir);
-    }
-
-    std::string path(const char* name) const { return pathToUtf8(dir / name); }
-    const Message& lastMessage() const { return prompter.messages().back(); }
-
-    fs::path dir;
-    FixedClock clock{DateTime::fromParts(2025, 1, 2, 3, 4, 5)};
-    MemorySettingsStore store;
-    RecordingPrompter prompter{Answer::Yes};
-    ScriptedHost host;
-    BackupWriter backups;
-    CFinoraDoc doc;
-    Settings settings;
-    DocumentStorage storage;
-};
-
-} // namespace
 
 TEST_F(StorageTest, OpeningACurrentFileAsksNothingAndRemembersIt)
 {

@@ -1,0 +1,71 @@
+#pragma once
+
+// A document with its storage in a folder of its own, answered by a scripted prompter and host.
+#include "ledger_builders.h"
+#include "model/recording_prompter.h"
+#include "settings/memory_settings_store.h"
+#include "storage/document_storage.h"
+#include "storage/file_io.h"
+#include "support/scripted_host.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+
+namespace finora::test {
+
+inline std::string readFile(const std::filesystem::path& p)
+{
+    std::ifstream in(p, std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(in), {});
+}
+
+inline void writeBytes(const std::filesystem::path& p, const std::string& bytes)
+{
+    std::ofstream(p, std::ios::binary) << bytes;
+}
+
+// A fresh folder named after the running test, removed afterwards.
+inline std::filesystem::path testFolder(const char* kind)
+{
+    const auto* info = ::testing::UnitTest::GetInstance()->current_test_info();
+    std::string name = std::string("finora-") + kind + "-" + info->test_suite_name() + "-" + info->name();
+    std::replace(name.begin(), name.end(), '/', '_');
+    const auto dir = std::filesystem::temp_directory_path() / name;
+    std::filesystem::remove_all(dir);
+    std::filesystem::create_directories(dir);
+    return dir;
+}
+
+class StorageTest : public ::testing::Test {
+protected:
+    StorageTest()
+        : dir(testFolder("storage")), doc(clock), settings(store),
+          storage(doc, settings, prompter, host, backups)
+    {
+        storage.attach();
+    }
+    ~StorageTest() override
+    {
+        backups.waitIdle();
+        std::error_code ec;
+        std::filesystem::remove_all(dir, ec);
+    }
+
+    std::string path(const char* name) const { return pathToUtf8(dir / name); }
+    const Message& lastMessage() const { return prompter.messages().back(); }
+
+    std::filesystem::path dir;
+    FixedClock clock{DateTime::fromParts(2025, 1, 2, 3, 4, 5)};
+    MemorySettingsStore store;
+    RecordingPrompter prompter{Answer::Yes};
+    ScriptedHost host;
+    BackupWriter backups;
+    CFinoraDoc doc;
+    Settings settings;
+    DocumentStorage storage;
+};
+
+} // namespace finora::test
