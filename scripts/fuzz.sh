@@ -8,7 +8,7 @@ seconds=${1:-60}
 shift || true
 targets=("$@")
 if ((${#targets[@]} == 0)); then
-  targets=(fuzz_ledger_reader fuzz_streaming_reader fuzz_filter_file fuzz_import fuzz_tips)
+  targets=(fuzz_ledger_reader fuzz_streaming_reader fuzz_filter_file fuzz_import fuzz_tips fuzz_lock_file)
 fi
 
 if ! command -v clang++ >/dev/null; then
@@ -23,9 +23,11 @@ cli=build/fuzz/src/cli/finora-cli
 seeds=build/fuzz/seeds
 mkdir -p "$seeds"
 "$cli" new "$seeds/empty.fnr" --force >/dev/null
-"$cli" generate "$seeds/small.fnr" --operations 12 --seed 3 >/dev/null
-"$cli" generate "$seeds/medium.fnr" --operations 300 --seed 4 >/dev/null
+"$cli" generate "$seeds/small.fnr" --operations 12 --seed 3 --force >/dev/null
+"$cli" generate "$seeds/medium.fnr" --operations 300 --seed 4 --force >/dev/null
 "$cli" save-filter "$seeds/filter.ffl" --category 3 --category 7 --subcategories --paid 2 >/dev/null 2>&1 || true
+printf 'Finora lock 1\nprogram=finora\nuser=иван\nhost=лаптоп\npid=4242\nstart=987\nsince=23-11-2026 10:15\ntoken=0123456789abcdef\n' \
+  >"$seeds/lock.txt"
 rm -f "$seeds"/*.bak
 
 for target in "${targets[@]}"; do

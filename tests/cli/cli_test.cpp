@@ -7,6 +7,8 @@
 #include "storage/ledger_format.h"
 #include "text/cp1251.h"
 
+#include "cli/cli_fixture.h"
+
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -14,50 +16,9 @@
 #include <sstream>
 
 using namespace finora;
+using namespace finora::test;
 namespace fs = std::filesystem;
 
-namespace {
-
-struct CliResult {
-    int status;
-    std::string out;
-    std::string err;
-};
-
-class CliTest : public ::testing::Test {
-protected:
-    CliTest()
-        : dir(fs::temp_directory_path() /
-              (std::string("finora-cli-") +
-               ::testing::UnitTest::GetInstance()->current_test_info()->name()))
-    {
-        fs::remove_all(dir);
-        fs::create_directories(dir);
-    }
-    ~CliTest() override { fs::remove_all(dir); }
-
-    CliResult run(std::vector<std::string> args)
-    {
-        std::ostringstream out, err;
-        const int status = cli::run(args, out, err, settings);
-        return {status, out.str(), err.str()};
-    }
-    std::string path(const std::string& name) const { return pathToUtf8(dir / name); }
-    std::string read(const std::string& p) const
-    {
-        std::ifstream in(pathFromUtf8(p), std::ios::binary);
-        return std::string(std::istreambuf_iterator<char>(in), {});
-    }
-    void write(const std::string& p, const std::string& bytes) const
-    {
-        std::ofstream(pathFromUtf8(p), std::ios::binary) << bytes;
-    }
-
-    fs::path dir;
-    MemorySettingsStore settings;
-};
-
-} // namespace
 
 TEST_F(CliTest, NewWritesAn37ByteLedgerAndWillNotOverwriteWithoutForce)
 {

@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <unistd.h>
+
 #include <filesystem>
 #include <fstream>
 #include <map>
@@ -116,7 +118,7 @@ TEST(BackupFolder, ChoosingTheSameFolderAgainChangesNothing)
 
 TEST(BackupFolder, TheRealFileSystemCreatesNestedFolders)
 {
-    const fs::path base = fs::temp_directory_path() / "finora-backup-folder-test";
+    const fs::path base = fs::temp_directory_path() / ("finora-backup-folder-test-" + std::to_string(::getpid()));
     fs::remove_all(base);
     RecordingPrompter prompter;
     FileSystemProbe probe;

@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include <unistd.h>
+
 #include <filesystem>
 
 using namespace finora;
@@ -79,7 +81,7 @@ TEST(FilterFile, AnythingElseIsRefusedWholeAndChangesNothing)
 
 TEST(FilterFile, LoadFailuresSayWhy)
 {
-    const auto dir = std::filesystem::temp_directory_path() / "finora-filter-test";
+    const auto dir = std::filesystem::temp_directory_path() / ("finora-filter-test-" + std::to_string(::getpid()));
     std::filesystem::create_directories(dir);
     const std::string path = pathToUtf8(dir / "филтър.ffl");
     ASSERT_TRUE(saveFilterFile(path, sampleFilter()));

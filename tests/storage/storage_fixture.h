@@ -14,6 +14,13 @@
 #include <filesystem>
 #include <fstream>
 
+#ifdef _WIN32
+#include <process.h>
+#define getpid _getpid
+#else
+#include <unistd.h>
+#endif
+
 namespace finora::test {
 
 inline std::string readFile(const std::filesystem::path& p)
@@ -31,7 +38,9 @@ inline void writeBytes(const std::filesystem::path& p, const std::string& bytes)
 inline std::filesystem::path testFolder(const char* kind)
 {
     const auto* info = ::testing::UnitTest::GetInstance()->current_test_info();
-    std::string name = std::string("finora-") + kind + "-" + info->test_suite_name() + "-" + info->name();
+    // The process id keeps apart two runs of the suite at once (two checkouts on one machine).
+    std::string name = std::string("finora-") + kind + "-" + std::to_string(::getpid()) + "-" +
+                       info->test_suite_name() + "-" + info->name();
     std::replace(name.begin(), name.end(), '/', '_');
     const auto dir = std::filesystem::temp_directory_path() / name;
     std::filesystem::remove_all(dir);

@@ -1,0 +1,355 @@
+// Every route into an open, tried as a user does, must leave the ledger that was open whole on
+// disk when the new file cannot be read; the program's exits finish their backups; a second
+// window and a change on disk are told about.
+#include "app/main_frame.h"
+#include "app/qt_document_host.h"
+#include "cli/cli_app.h"
+#include "demo/ledger_generator.h"
+#include "model/recording_prompter.h"
+#include "settings/memory_settings_store.h"
+#include "storage/file_io.h"
+#include "storage/ledger_format.h"
+#include "support/scripted_host.h"
+#include "support/user.h"
+
+#include <QComboBox>
+#include <QDropEvent>
+#include <QLineEdit>
+#include <QMimeData>
+#include <QTableView>
+#include <QTemporaryDir>
+#include <QTreeWidget>
+#include <gtest/gtest.h>
+
+#include <deque>
+#include <sstream>
+
+using namespace finora;
+using namespace finora::test;
+
+namespace {
+
+std::string bytesOf(const QString& path)
+{
+    std::string bytes;
+    readWholeFile(path.toStdString(), bytes);
+    return bytes;
+}
+
+class LedgerSafetyTest : public ::testing::Test {
+protected:
+    LedgerSafetyTest()
+    {
+        m_first = file("дом.fnr");
+        writeFile(m_first.toStdString(), serializeLedger(generateLedger(500, 3)));
+        m_frame = makeFrame(m_prompter, m_host);
+        user::bringUp(m_frame.get());
+        // The user opens the ledger and saves it once, so it has its backup.
+        m_host.openPaths = {m_first.toStdString()};
+        user::press(m_frame.get(), Qt::Key_O, Qt::ControlModifier);
+        EXPECT_EQ(m_frame->document().path(), m_first.toStdString());
+        user::press(m_frame.get(), Qt::Key_S, Qt::ControlModifier);
+        // The backup is written beside, on its own thread, and appears whole.
+        EXPECT_TRUE(QTest::qWaitFor([&] { return QFile::exists(m_first + QStringLiteral(".bak")); }, 5000));
+        m_ledgerBefore = bytesOf(m_first);
+        m_backupBefore = bytesOf(m_first + QStringLiteral(".bak"));
+        EXPECT_FALSE(m_backupBefore.empty());
+        m_prompter.clear();
+    }
+
+    std::unique_ptr<CMainFrame> makeFrame(Prompter& prompter, DocumentHost& host)
+    {
+        return std::make_unique<CMainFrame>(m_store, prompter, host, m_clock);
+    }
+    QString file(const char* name) const { return m_dir.filePath(QString::fromUtf8(name)); }
+
+    // The file of every kind that cannot be opened.
+    QString corruptFile()
+    {
+        const QString bad = file("повреден.fnr");
+        const std::string whole = serializeLedger(generateLedger(50, 1));
+        writeFile(bad.toStdString(), whole.substr(0, whole.size() / 3));
+        return bad;
+    }
+
+    // After a failed open: a new, untitled ledger, and the first one whole on disk.
+    void expectUntitledAndFirstLedgerWhole()
+    {
+        EXPECT_EQ(m_frame->document().path(), "");
+        EXPECT_EQ(m_frame->document().operationCount(), 0u);
+        EXPECT_TRUE(m_frame->windowTitle().startsWith(QStringLiteral("Без име"))) << m_frame->windowTitle().toStdString();
+        EXPECT_EQ(m_frame->view().table()->model()->rowCount(), 0);
+        // Ctrl+S asks for a name (cancelled here) instead of writing over the first ledger.
+        const int dialogs = m_host.dialogs;
+        user::press(m_frame.get(), Qt::Key_S, Qt::ControlModifier);
+        EXPECT_EQ(m_host.dialogs, dialogs + 1);
+        expectFirstLedgerWhole();
+    }
+    void expectFirstLedgerWhole()
+    {
+        EXPECT_EQ(bytesOf(m_first), m_ledgerBefore);
+        EXPECT_EQ(bytesOf(m_first + QStringLiteral(".bak")), m_backupBefore);
+    }
+    void expectOpenError(const QString& path)
+    {
+        ASSERT_FALSE(m_prompter.messages().empty());
+        EXPECT_EQ(m_prompter.messages().back().icon, MessageIcon::Error);
+        EXPECT_NE(m_prompter.messages().back().text.find(path.toStdString()), std::string::npos);
+    }
+
+    QTemporaryDir m_dir;
+    MemorySettingsStore m_store;
+    FixedClock m_clock{DateTime::fromParts(2026, 11, 1, 12)};
+    ScriptedHost m_host;
+    RecordingPrompter m_prompter{Answer::Yes};
+    QString m_first;
+    std::unique_ptr<CMainFrame> m_frame;
+    std::string m_ledgerBefore;
+    std::string m_backupBefore;
+};
+
+} // namespace
+
+TEST_F(LedgerSafetyTest, CtrlOOfABadFileLeavesAnUntitledLedgerAndCtrlSAsksForAName)
+{
+    for (const QString& bad : {corruptFile(), file("липсващ.fnr"), m_dir.path()}) {
+        m_host.openPaths = {m_first.toStdString()};
+        user::press(m_frame.get(), Qt::Key_O, Qt::ControlModifier);
+        ASSERT_EQ(m_frame->document().path(), m_first.toStdString());
+        m_host.openPaths = {bad.toStdString()};
+        user::press(m_frame.get(), Qt::Key_O, Qt::ControlModifier);
+        expectOpenError(bad);
+        expectUntitledAndFirstLedgerWhole();
+    }
+}
+
+TEST_F(LedgerSafetyTest, WithAutoSaveAChangeAfterAFailedOpenAsksForANameToo)
+{
+    m_store.writeInt("Settings", "AutoSave", 1);
+    m_host.openPaths = {corruptFile().toStdString()};
+    user::press(m_frame.get(), Qt::Key_O, Qt::ControlModifier);
+    const int dialogs = m_host.dialogs;
+
+    // A new currency typed in the currency cash window (Ctrl+F1) is a change.
+    user::ExpectDialog cash([&](QDialog* d) {
+        user::ExpectDialog name([](QDialog* n) {
+            auto* edit = n->findChild<QLineEdit*>();
+            QTest::keyClicks(edit, QStringLiteral("chf"));
+            QTest::keyClick(edit, Qt::Key_Return);
+        });
+        user::click(user::button(d, QStringLiteral("нова валута")));
+        name.verify();
+        QTest::keyClick(d, Qt::Key_Escape);
+    });
+    user::press(m_frame.get(), Qt::Key_F1, Qt::ControlModifier);
+    cash.verify();
+    EXPECT_EQ(m_frame->document().currencyId("CHF"), 1);
+    EXPECT_EQ(m_host.dialogs, dialogs + 1); // auto-save asked for a name
+    EXPECT_TRUE(m_frame->document().isModified());
+    expectFirstLedgerWhole();
+}
+
+TEST_F(LedgerSafetyTest, ARecentFileThatIsGoneLeavesAnUntitledLedger)
+{
+    const QString gone = file("стар.fnr");
+    writeFile(gone.toStdString(), serializeLedger(generateLedger(20, 5)));
+    m_host.openPaths = {gone.toStdString(), m_first.toStdString()};
+    user::press(m_frame.get(), Qt::Key_O, Qt::ControlModifier);
+    user::press(m_frame.get(), Qt::Key_O, Qt::ControlModifier);
+    QFile::remove(gone);
+    ASSERT_EQ(m_frame->recentFiles().value(1), gone);
+
+    user::chooseMenu(m_frame.get(), {QStringLiteral("Файл"), QStringLiteral("Последно отваряни"),
+                                     QStringLiteral("2 ") + gone});
+    expectOpenError(gone);
+    expectUntitledAndFirstLedgerWhole();
+}
+
+TEST_F(LedgerSafetyTest, ADroppedFileThatCannotBeReadLeavesAnUntitledLedger)
+{
+    const QString bad = corruptFile();
+    QMimeData data;
+    data.setUrls({QUrl::fromLocalFile(bad)});
+    const QPoint at = m_frame->rect().center();
+    QDragEnterEvent enter(at, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(m_frame.get(), &enter);
+    ASSERT_TRUE(enter.isAccepted());
+    QDropEvent drop(at, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(m_frame.get(), &drop);
+    expectOpenError(bad);
+    expectUntitledAndFirstLedgerWhole();
+}
+
+TEST_F(LedgerSafetyTest, StartUpWithABadFileOrABadLastFileOpensNothing)
+{
+    const QString bad = corruptFile();
+    // Named on the command line: start-up ends, and nothing was kept to be saved.
+    auto second = makeFrame(m_prompter, m_host);
+    EXPECT_FALSE(second->startUp({QStringLiteral("finora"), bad}));
+    EXPECT_EQ(second->document().path(), "");
+    second.reset();
+
+    // The last file, reopened by AutoOpen.
+    m_store.writeInt("Settings", "AutoOpen", 1);
+    m_store.writeText("Settings", "LastFileUsed", bad.toStdString());
+    m_frame.reset();
+    m_frame = makeFrame(m_prompter, m_host);
+    user::bringUp(m_frame.get());
+    EXPECT_TRUE(m_frame->startUp({QStringLiteral("finora")}));
+    expectOpenError(bad);
+    expectUntitledAndFirstLedgerWhole();
+}
+
+TEST_F(LedgerSafetyTest, ImportNeverTouchesTheOpenLedgersPath)
+{
+    const QString bad = corruptFile();
+    m_host.openPaths = {bad.toStdString()};
+    user::chooseMenu(m_frame.get(), {QStringLiteral("Файл"), QStringLiteral("Импортиране на данни от друг документ ...")});
+    EXPECT_EQ(m_host.openCaptions.back(), "Импортиране на данни от друг документ");
+    EXPECT_EQ(m_prompter.messages().back().icon, MessageIcon::Error);
+    EXPECT_EQ(m_frame->document().path(), m_first.toStdString());
+    EXPECT_EQ(m_frame->document().operationCount(), 500u);
+    EXPECT_FALSE(m_frame->document().isModified());
+
+    const QString other = file("друг.fnr");
+    writeFile(other.toStdString(), serializeLedger(generateLedger(30, 8)));
+    m_host.openPaths = {other.toStdString()};
+    user::chooseMenu(m_frame.get(), {QStringLiteral("Файл"), QStringLiteral("Импортиране на данни от друг документ ...")});
+    EXPECT_EQ(m_frame->document().path(), m_first.toStdString());
+    EXPECT_GT(m_frame->document().operationCount(), 500u);
+    expectFirstLedgerWhole(); // nothing written until the user saves
+    user::press(m_frame.get(), Qt::Key_S, Qt::ControlModifier);
+    EXPECT_NE(bytesOf(m_first), m_ledgerBefore);
+    EXPECT_EQ(bytesOf(other), serializeLedger(generateLedger(30, 8)));
+}
+
+TEST_F(LedgerSafetyTest, ASecondWindowIsWarnedAndItsReadOnlyCopyCannotSaveOverTheFile)
+{
+    RecordingPrompter prompter2{Answer::Yes};
+    ScriptedHost host2;
+    auto second = makeFrame(prompter2, host2);
+    user::bringUp(second.get());
+    host2.openPaths = {m_first.toStdString()};
+    prompter2.queue(Answer::No);
+    user::press(second.get(), Qt::Key_O, Qt::ControlModifier);
+    ASSERT_EQ(prompter2.messages().size(), 1u);
+    EXPECT_EQ(prompter2.messages().back().caption, DocumentStorage::kLockedCaption);
+    EXPECT_NE(prompter2.messages().back().text.find("вече е отворен от"), std::string::npos);
+    EXPECT_EQ(second->document().path(), "");
+
+    host2.openPaths = {m_first.toStdString()};
+    prompter2.queue(Answer::Yes);
+    user::press(second.get(), Qt::Key_O, Qt::ControlModifier);
+    EXPECT_EQ(second->document().operationCount(), 500u);
+    EXPECT_TRUE(second->isReadOnly());
+    EXPECT_TRUE(second->windowTitle().contains(QStringLiteral("само за четене")));
+
+    // Deleting a row and saving: refused, with the offer of another name, declined.
+    second->view().table()->setFocus();
+    user::press(second.get(), Qt::Key_A, Qt::ControlModifier);
+    prompter2.queue(Answer::Yes); // the delete question
+    user::chooseMenu(second.get(), {QStringLiteral("Редакция"), QStringLiteral("Изтрий маркираните")});
+    EXPECT_EQ(second->document().operationCount(), 0u);
+    prompter2.queue(Answer::No);
+    user::press(second.get(), Qt::Key_S, Qt::ControlModifier);
+    EXPECT_EQ(prompter2.messages().back().text, DocumentStorage::readOnlyDocumentText(m_first.toStdString()));
+    expectFirstLedgerWhole();
+
+    // Closing the first window lets the ledger go.
+    m_frame.reset();
+    EXPECT_FALSE(LedgerLock::liveHolder(m_first.toStdString()).has_value());
+    prompter2.queue(Answer::No); // do not keep the deletions
+    second->close();
+}
+
+TEST_F(LedgerSafetyTest, ALedgerChangedByTheCommandLineIsNotSavedOverSilently)
+{
+    // The user changes the open ledger...
+    m_frame->view().table()->setFocus();
+    user::press(m_frame.get(), Qt::Key_A, Qt::ControlModifier);
+    user::chooseMenu(m_frame.get(), {QStringLiteral("Редакция"), QStringLiteral("Установи маркираните записи като изплатени")});
+    ASSERT_TRUE(m_frame->document().isModified());
+
+    // ...while a script imports into it; without --force it is refused, with it it writes.
+    const QString other = file("друг.fnr");
+    writeFile(other.toStdString(), serializeLedger(generateLedger(40, 9)));
+    MemorySettingsStore cliOptions;
+    std::ostringstream out, err;
+    EXPECT_EQ(cli::run({"import", m_first.toStdString(), other.toStdString()}, out, err, cliOptions), cli::kHeld);
+    expectFirstLedgerWhole();
+    EXPECT_EQ(cli::run({"import", m_first.toStdString(), other.toStdString(), "--force"}, out, err, cliOptions), 0);
+    const std::string imported = bytesOf(m_first);
+
+    // Ctrl+S asks; Cancel writes nothing and keeps the changes.
+    m_prompter.queue(Answer::Cancel);
+    user::press(m_frame.get(), Qt::Key_S, Qt::ControlModifier);
+    EXPECT_EQ(m_prompter.messages().back().caption, DocumentStorage::kChangedCaption);
+    EXPECT_EQ(bytesOf(m_first), imported);
+    EXPECT_TRUE(m_frame->isWindowModified());
+    // "No" saves under another name.
+    m_prompter.queue(Answer::No);
+    m_host.paths = {file("мой.fnr").toStdString()};
+    user::press(m_frame.get(), Qt::Key_S, Qt::ControlModifier);
+    EXPECT_EQ(bytesOf(m_first), imported);
+    EXPECT_EQ(m_frame->document().path(), file("мой.fnr").toStdString());
+    EXPECT_TRUE(m_frame->windowTitle().startsWith(QStringLiteral("мой.fnr")));
+}
+
+namespace {
+
+// Scripted file dialogs, but the desktop program's own way out of the program.
+class ExitingHost final : public DocumentHost {
+public:
+    std::optional<std::string> chooseSavePath() override { return std::nullopt; }
+    std::optional<std::string> chooseOpenPath(const std::string&) override
+    {
+        if (openPaths.empty()) {
+            return std::nullopt;
+        }
+        auto p = openPaths.front();
+        openPaths.pop_front();
+        return p;
+    }
+    void exitProgram(int status) override { real.exitProgram(status); }
+
+    std::deque<std::string> openPaths;
+    QtDocumentHost real;
+};
+
+} // namespace
+
+TEST(ProgramExit, TheNewerFileExitFinishesTheBackupAlreadyQueued)
+{
+    QTemporaryDir dir;
+    const QString big = dir.filePath(QStringLiteral("голям.fnr"));
+    const std::string bytes = serializeLedger(generateLedger(300'000, 1)); // about 24 MB
+    writeFile(big.toStdString(), bytes);
+    const QString newer = dir.filePath(QStringLiteral("нов.fnr"));
+    std::string newerBytes = serializeLedger(Ledger());
+    newerBytes.replace(0, 8, std::string("\x00\x00\x00\x00\x00\x00\xF8\x3F", 8)); // 1.5
+    writeFile(newer.toStdString(), newerBytes);
+
+    MemorySettingsStore store;
+    FixedClock clock{DateTime::fromParts(2026, 11, 1, 12)};
+    RecordingPrompter prompter;
+    ExitingHost host;
+    auto frame = std::make_unique<CMainFrame>(store, prompter, host, clock);
+    user::bringUp(frame.get());
+    host.openPaths = {big.toStdString()};
+    user::press(frame.get(), Qt::Key_O, Qt::ControlModifier);
+    ASSERT_EQ(frame->document().operationCount(), 300'000u);
+
+    // Inside the event loop, as in the program: save (the backup is queued), then open a file
+    // of a newer format, which ends the program.
+    QTimer::singleShot(0, frame.get(), [&] {
+        user::press(frame.get(), Qt::Key_S, Qt::ControlModifier);
+        host.openPaths = {newer.toStdString()};
+        user::press(frame.get(), Qt::Key_O, Qt::ControlModifier);
+    });
+    EXPECT_EQ(QApplication::exec(), 0);
+    EXPECT_EQ(host.real.exitRequested(), 0);
+    EXPECT_EQ(prompter.messages().back().text, DocumentStorage::kNewerFileText);
+    frame.reset(); // what returning from main() does
+    EXPECT_EQ(bytesOf(big + QStringLiteral(".bak")), bytes);
+    EXPECT_FALSE(QFile::exists(QString::fromStdString(pathToUtf8(LedgerLock::lockPathFor(big.toStdString())))));
+}

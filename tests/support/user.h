@@ -1,0 +1,209 @@
+#pragma once
+
+// Widget tests that act as a user does: keys and clicks on the real widgets, menus opened with
+// the mouse, and modal dialogs that must come when expected (and must not when not).
+#include <QAbstractButton>
+#include <QApplication>
+#include <QDialog>
+#include <QDir>
+#include <QMainWindow>
+#include <QMenu>
+#include <QMenuBar>
+#include <QPointer>
+#include <QTest>
+#include <QTimer>
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <iostream>
+#include <memory>
+
+namespace finora::test::user {
+
+// Shows the window and makes it the active one, as the window under a user's hands is; keyboard
+// shortcuts only reach an active window.
+inline void bringUp(QWidget* window)
+{
+    window->show();
+    QApplication::setActiveWindow(window);
+    window->activateWindow();
+    EXPECT_TRUE(QTest::qWaitForWindowActive(window)) << window->windowTitle().toStdString();
+}
+
+// A key press where the keyboard focus is in `window` (or the window itself).
+inline void press(QWidget* window, int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier)
+{
+    QWidget* target = window->focusWidget() ? window->focusWidget() : window;
+    QTest::keyClick(target, static_cast<Qt::Key>(key), modifiers);
+}
+
+// What a menu or a button shows, without the accelerator's '&'.
+inline QString shown(QString text)
+{
+    return text.remove(QLatin1Char('&'));
+}
+
+// Opens the menu bar's menu and every submenu along `path` with the mouse and clicks the last
+// item; texts compare without their '&'. Fails the test when an item is missing or disabled.
+inline void chooseMenu(QMainWindow* window, const QStringList& path)
+{
+    ASSERT_FALSE(path.isEmpty());
+    QMenuBar* bar = window->menuBar();
+    QAction* top = nullptr;
+    for (QAction* a : bar->actions()) {
+        if (shown(a->text()) == path.front()) {
+            top = a;
+        }
+    }
+    ASSERT_NE(top, nullptr) << "no menu " << path.front().toStdString();
+    QTest::mouseClick(bar, Qt::LeftButton, {}, bar->actionGeometry(top).center());
+    QMenu* menu = top->menu();
+    ASSERT_TRUE(menu && menu->isVisible()) << path.front().toStdString();
+    for (qsizetype i = 1; i < path.size(); ++i) {
+        QAction* item = nullptr;
+        for (QAction* a : menu->actions()) {
+            if (shown(a->text()) == path.at(i)) {
+                item = a;
+            }
+        }
+        ASSERT_NE(item, nullptr) << "no item " << path.at(i).toStdString();
+        ASSERT_TRUE(item->isEnabled()) << path.at(i).toStdString() << " is disabled";
+        if (item->menu()) {
+            QTest::mouseClick(menu, Qt::LeftButton, {}, menu->actionGeometry(item).center());
+            (void)QTest::qWaitFor([&] { return item->menu()->isVisible(); }, 1000);
+            menu = item->menu();
+            ASSERT_TRUE(menu->isVisible()) << path.at(i).toStdString();
+        } else {
+            QTest::mouseClick(menu, Qt::LeftButton, {}, menu->actionGeometry(item).center());
+        }
+    }
+}
+
+// The button of `parent` that shows `text` (compared without the '&'), or null.
+inline QAbstractButton* button(QWidget* parent, const QString& text)
+{
+    for (QAbstractButton* b : parent->findChildren<QAbstractButton*>()) {
+        if (shown(b->text()) == text) {
+            return b;
+        }
+    }
+    return nullptr;
+}
+
+inline void click(QAbstractButton* button)
+{
+    ASSERT_NE(button, nullptr);
+    ASSERT_TRUE(button->isVisible() && button->isEnabled()) << button->text().toStdString();
+    QTest::mouseClick(button, Qt::LeftButton);
+}
+
+// Saves a picture of every visible window, named after the test and `why`. (While gtest reports
+// a failure it holds the lock that current_test_info() takes, so a reporter passes the name.)
+inline void saveShots(const QString& why, QString test = {})
+{
+    QString folder = qEnvironmentVariable("FINORA_SHOTS_DIR");
+    if (folder.isEmpty()) {
+        folder = QDir::temp().filePath(QStringLiteral("finora-failures"));
+    }
+    QDir().mkpath(folder);
+    if (test.isEmpty()) {
+        const auto* info = ::testing::UnitTest::GetInstance()->current_test_info();
+        test = info ? QString::fromLatin1(info->name()) : QStringLiteral("test");
+    }
+    int n = 0;
+    for (QWidget* w : QApplication::topLevelWidgets()) {
+        if (w->isVisible()) {
+            const QString file = QStringLiteral("%1/%2-%3-%4.png").arg(folder, test, why).arg(n++);
+            w->grab().save(file);
+            std::cerr << "picture: " << file.toStdString() << '\n';
+        }
+    }
+}
+
+// The modal dialog that the next action must open: `answer` runs on it once it shows. The
+// test fails if the action returns and no dialog came.
+class ExpectDialog {
+public:
+    explicit ExpectDialog(std::function<void(QDialog*)> answer) : m_state(std::make_shared<State>())
+    {
+        m_state->answer = std::move(answer);
+        std::weak_ptr<State> weak = m_state;
+        QTimer::singleShot(0, [weak] {
+            auto state = weak.lock();
+            if (!state) {
+                return;
+            }
+            state->fired = true;
+            auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+            if (!dialog) {
+                return; // verify() says so
+            }
+            state->seen = dialog->windowTitle();
+            state->came = true;
+            state->answer(dialog);
+        });
+    }
+    ~ExpectDialog() { verify(); }
+    ExpectDialog(const ExpectDialog&) = delete;
+    ExpectDialog& operator=(const ExpectDialog&) = delete;
+
+    // Fails the test unless the dialog came; safe to call more than once.
+    void verify()
+    {
+        if (m_verified) {
+            return;
+        }
+        m_verified = true;
+        (void)QTest::qWaitFor([this] { return m_state->fired; }, 2000);
+        if (!m_state->came) {
+            saveShots(QStringLiteral("no-dialog"));
+            ADD_FAILURE() << "the expected dialog did not appear";
+        }
+    }
+    QString title() const { return m_state->seen; }
+
+private:
+    struct State {
+        std::function<void(QDialog*)> answer;
+        bool fired = false;
+        bool came = false;
+        QString seen;
+    };
+    std::shared_ptr<State> m_state;
+    bool m_verified = false;
+};
+
+// Fails the test, with a picture, when a modal dialog stays open that nobody answers, and closes
+// it, so an unexpected dialog is a failure rather than a test that hangs.
+class DialogWatch {
+public:
+    DialogWatch()
+    {
+        m_timer.setInterval(500);
+        QObject::connect(&m_timer, &QTimer::timeout, &m_timer, [this] {
+            QWidget* modal = QApplication::activeModalWidget();
+            if (modal != m_last) {
+                m_last = modal;
+                m_ticks = 0;
+                return;
+            }
+            if (modal && ++m_ticks >= 6) { // three seconds unanswered
+                saveShots(QStringLiteral("unexpected-dialog"));
+                ADD_FAILURE() << "an unexpected dialog stayed open: " << modal->windowTitle().toStdString();
+                if (auto* dialog = qobject_cast<QDialog*>(modal)) {
+                    dialog->reject();
+                } else {
+                    modal->close();
+                }
+            }
+        });
+        m_timer.start();
+    }
+
+private:
+    QTimer m_timer;
+    QPointer<QWidget> m_last;
+    int m_ticks = 0;
+};
+
+} // namespace finora::test::user
