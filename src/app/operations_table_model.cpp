@@ -25,6 +25,9 @@ QVariant OperationsTableModel::data(const QModelIndex& index, int role) const
         return {};
     }
     if (role == Qt::DisplayRole) {
+        if (!m_list.isCurrent()) {
+            return QString(); // the rows wait for their refresh
+        }
         return QString::fromStdString(
             cp1251::toUtf8(m_list.cellText(static_cast<std::size_t>(index.row()), index.column())));
     }

@@ -197,6 +197,7 @@ bool CFinoraDoc::addOperation(const Operation& f)
     m_ledger.operations.append(Operation(id, f.date(), f.description(), f.type(), f.categoryId(),
                                          f.amount(), f.currencyId(), f.amountBgl(), f.notes(),
                                          m_clock.now(), f.paid(), f.masterId()));
+    ++m_recordsRevision;
     changed();
     return true;
 }
@@ -218,6 +219,7 @@ bool CFinoraDoc::deleteOperation(std::int32_t id)
     if (!m_ledger.operations.removeFirst(id)) {
         return false;
     }
+    ++m_recordsRevision;
     changed();
     return true;
 }
@@ -225,6 +227,7 @@ bool CFinoraDoc::deleteOperation(std::int32_t id)
 void CFinoraDoc::deleteAllOperations()
 {
     m_ledger.operations.clear();
+    ++m_recordsRevision;
     changed(ChangeKind::DeleteAll);
 }
 
@@ -267,11 +270,13 @@ bool CFinoraDoc::checkLock(std::string_view password, LockCheck mode)
 void CFinoraDoc::clear()
 {
     m_ledger = Ledger();
+    ++m_recordsRevision;
 }
 
 void CFinoraDoc::replaceLedger(Ledger ledger)
 {
     m_ledger = std::move(ledger);
+    ++m_recordsRevision;
 }
 
 void CFinoraDoc::changed(ChangeKind kind)

@@ -45,7 +45,14 @@ public:
     Operation operation(std::int32_t id) const;
     std::size_t operationCount() const { return m_ledger.operations.size(); }
     // Room for this many operations: until then adding moves no record in memory.
-    void reserveOperations(std::size_t count) { m_ledger.operations.reserve(count); }
+    void reserveOperations(std::size_t count)
+    {
+        m_ledger.operations.reserve(count);
+        ++m_recordsRevision;
+    }
+    // Changes whenever an operation record may have moved or gone (added, deleted, emptied,
+    // replaced): whoever keeps pointers to records knows by it that they are no longer good.
+    std::uint64_t recordsRevision() const { return m_recordsRevision; }
 
     // --- changes
     bool addCategory(std::string name, std::int32_t parentId);
@@ -113,6 +120,7 @@ private:
     Ledger m_ledger;
     std::string m_path;
     bool m_modified = false;
+    std::uint64_t m_recordsRevision = 0;
     std::int32_t m_unlocked = 0;
     ChangeHandler m_onChange;
     int m_batchDepth = 0;

@@ -98,6 +98,7 @@ void OperationsList::refresh()
 {
     m_rows.clear();
     m_current = -1;
+    m_revision = m_doc.recordsRevision();
     if (m_doc.isLocked()) {
         return;
     }

@@ -82,6 +82,11 @@ public:
     void refresh();
 
     std::size_t rowCount() const { return m_rows.size(); }
+    // False from the moment the ledger's records move (an entry added or deleted, the ledger
+    // emptied or replaced) until the next refresh: the rows point at records that may be gone,
+    // so a view must not read them, for instance when it repaints under a message box that a
+    // command shows half way.
+    bool isCurrent() const { return m_revision == m_doc.recordsRevision(); }
     // Windows-1251.
     std::string cellText(std::size_t row, int column) const;
     std::int32_t rowId(std::size_t row) const { return m_rows[row].op->id(); }
@@ -139,6 +144,7 @@ private:
     FilterCriteria m_criteria;
     std::vector<Row> m_rows;
     std::ptrdiff_t m_current = -1;
+    std::uint64_t m_revision = 0;
     ListTotals m_totals;
     std::string m_lastSearchText;
     bool m_lastSearchCaseSensitive = false;

@@ -110,6 +110,82 @@ protected:
 
 } // namespace
 
+namespace {
+
+// Answers as a script, and first repaints the window behind the message, as the message box's
+// own event loop does in the program.
+class RepaintingPrompter final : public Prompter {
+public:
+    Answer show(const Message& message) override
+    {
+        if (whileShown) {
+            whileShown();
+        }
+        return inner.show(message);
+    }
+    RecordingPrompter inner{Answer::Yes};
+    std::function<void()> whileShown;
+};
+
+// What a person sees in the list's first rows at this moment.
+QStringList visibleDescriptions(QTableView* table)
+{
+    table->viewport()->grab(); // paints every visible cell
+    QStringList texts;
+    for (int row = 0; row < std::min(table->model()->rowCount(), 5); ++row) {
+        texts << table->model()->index(row, 3).data().toString();
+    }
+    return texts;
+}
+
+} // namespace
+
+TEST_F(LedgerSafetyTest, TheListPaintedUnderAMessageHalfWayThroughACommandShowsNoFreedRows)
+{
+    RepaintingPrompter prompter;
+    ScriptedHost host;
+    m_frame.reset();
+    auto frame = makeFrame(prompter, host);
+    user::bringUp(frame.get());
+    QTableView* table = frame->view().table();
+    host.openPaths = {m_first.toStdString()};
+    user::press(frame.get(), Qt::Key_O, Qt::ControlModifier);
+    ASSERT_EQ(visibleDescriptions(table).size(), 5);
+    ASSERT_FALSE(visibleDescriptions(table).front().isEmpty());
+
+    // The error of a failed open comes once the ledger that was open is gone.
+    QStringList seen;
+    prompter.whileShown = [&] { seen = visibleDescriptions(table); };
+    host.openPaths = {corruptFile().toStdString()};
+    user::press(frame.get(), Qt::Key_O, Qt::ControlModifier);
+    ASSERT_FALSE(prompter.inner.messages().empty());
+    for (const QString& text : seen) {
+        EXPECT_TRUE(text.isEmpty()) << text.toStdString();
+    }
+
+    // Auto-save's file dialog comes while the deleted rows are still in the list.
+    prompter.whileShown = nullptr;
+    m_store.writeInt("Settings", "AutoSave", 1);
+    const QString other = file("друг.fnr");
+    writeFile(other.toStdString(), serializeLedger(generateLedger(40, 9)));
+    host.openPaths = {other.toStdString()};
+    user::chooseMenu(frame.get(), {QStringLiteral("Файл"), QStringLiteral("Импортиране на данни от друг документ ...")});
+    user::click(user::button(frame.get(), QStringLiteral("без филтър")));
+    ASSERT_GT(table->model()->rowCount(), 5);
+    seen.clear();
+    host.whileOpen = [&] { seen = visibleDescriptions(table); };
+    table->setFocus();
+    user::press(frame.get(), Qt::Key_A, Qt::ControlModifier);
+    user::chooseMenu(frame.get(), {QStringLiteral("Редакция"), QStringLiteral("Изтрий маркираните")});
+    EXPECT_EQ(frame->document().operationCount(), 0u);
+    ASSERT_FALSE(seen.isEmpty());
+    for (const QString& text : seen) {
+        EXPECT_TRUE(text.isEmpty()) << text.toStdString();
+    }
+    host.whileOpen = nullptr;
+    EXPECT_EQ(table->model()->rowCount(), 0);
+}
+
 TEST_F(LedgerSafetyTest, CtrlOOfABadFileLeavesAnUntitledLedgerAndCtrlSAsksForAName)
 {
     for (const QString& bad : {corruptFile(), file("липсващ.fnr"), m_dir.path()}) {

@@ -3,6 +3,7 @@
 #include "model/document_host.h"
 
 #include <deque>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -15,6 +16,9 @@ class ScriptedHost final : public DocumentHost {
 public:
     std::optional<std::string> chooseOpenPath(const std::string& caption) override
     {
+        if (whileOpen) {
+            whileOpen();
+        }
         openCaptions.push_back(caption);
         if (openPaths.empty()) {
             return std::nullopt;
@@ -25,6 +29,9 @@ public:
     }
     std::optional<std::string> chooseSavePath() override
     {
+        if (whileOpen) {
+            whileOpen();
+        }
         ++dialogs;
         if (paths.empty()) {
             return std::nullopt;
@@ -38,6 +45,8 @@ public:
     std::deque<std::optional<std::string>> paths;
     int dialogs = 0;
     std::deque<std::string> openPaths;
+    // Runs while a dialog would be open, as the program's own event loop would then run.
+    std::function<void()> whileOpen;
     std::vector<std::string> openCaptions;
     std::vector<int> exits;
 };
