@@ -5,11 +5,23 @@
 
 #include "app/tip_dialog.h"
 
+#include "finora_version.h"
+
 #include <QApplication>
 #include <QTimer>
 
+#include <cstdio>
+#include <cstring>
+
 int main(int argc, char** argv)
 {
+    // Answered before any window exists, so it works without a display.
+    for (int i = 1; i < argc; ++i) {
+        if (std::strcmp(argv[i], "--version") == 0) {
+            std::printf("finora %s\n", finora::kVersionText);
+            return 0;
+        }
+    }
     QApplication app(argc, argv);
     QApplication::setOrganizationName(QString::fromLatin1(finora::QtSettingsStore::kOrganization));
     QApplication::setApplicationName(QString::fromLatin1(finora::QtSettingsStore::kApplication));

@@ -8,6 +8,7 @@
 #include "app/update_check.h"
 #include "app/web_links.h"
 #include "app/yearly_chart_dialog.h"
+#include "finora_version.h"
 #include "editors/backup_folder_dialog.h"
 #include "editors/category_dialogs.h"
 #include "editors/currency_cash_dialog.h"
@@ -241,6 +242,7 @@ void CMainFrame::createActions()
          }},
         {"help", "actionHomePage", "Finora в &интернет ...", {},
          [] { QDesktopServices::openUrl(QUrl(QString::fromLatin1(kHomePage))); }},
+        {"help", "actionAbout", "За програмата ...", {}, [this] { m_prompter.show(aboutMessage()); }},
     };
     commands.insert(commands.end(), ledgerCommands.begin(), ledgerCommands.end());
     QMenu* file = menuBar()->addMenu(QStringLiteral("&Файл"));
@@ -267,7 +269,10 @@ void CMainFrame::createActions()
                              "actionAskForRate", "actionDblClickAdds", "actionDblClickFilters"}) {
         action(name)->setCheckable(true);
     }
-    QMenu* sites = help->addMenu(QStringLiteral("Препоръчани сайтове"));
+    // The recommended sites, then the about box last, as help menus end.
+    auto* sites = new QMenu(QStringLiteral("Препоръчани сайтове"), this);
+    help->insertMenu(action("actionAbout"), sites);
+    help->insertSeparator(action("actionAbout"));
     for (const WebLink& link : kRecommendedSites) {
         const QUrl url(QString::fromLatin1(link.address));
         connect(sites->addAction(QString::fromUtf8(link.label)), &QAction::triggered, this,
@@ -305,6 +310,7 @@ void CMainFrame::createActions()
         {"actionHelp", "Отваря помощната информация"},
         {"actionTip", "Показва съвет на деня"},
         {"actionUpdateCheck", "Проверява за нова версия на програмата"},
+        {"actionAbout", "Версията на програмата, лицензът и версията на Qt"},
         {"actionHomePage", "посете сайта на програмата в интернет, за да проверите за нови версии ..."},
     };
     for (const auto& [name, tip] : statusTips) {
@@ -445,6 +451,16 @@ void CMainFrame::exportReportPdf()
     if (!m_report.exportPdf(path)) {
         m_prompter.error("Справката не беше записана в " + path.toStdString() + ".");
     }
+}
+
+Message CMainFrame::aboutMessage()
+{
+    std::string text = std::string("Finora ") + kVersionText + "\n" + kReportCredit +
+                       ".\n\nЛиценз: MIT\nQt " + qVersion();
+    if (std::string_view(qVersion()) != QT_VERSION_STR) {
+        text += std::string(" (компилирана с Qt ") + QT_VERSION_STR + ")";
+    }
+    return {"За Finora", text, MessageIcon::Program, MessageButtons::Ok};
 }
 
 void CMainFrame::updateCommands()

@@ -45,6 +45,9 @@ public:
     static constexpr const char* kCalculatorMissingText =
         "Калкулаторът на Windows не беше открит. Моля, инсталирайте го.";
 
+    // "За програмата ...": the version, the licence and the Qt it runs on.
+    static Message aboutMessage();
+
     static constexpr const char* kIdleText = "Finora е в състояние на готовност ...";
 
 protected:

@@ -2,6 +2,7 @@
 
 #include "cli/json_writer.h"
 #include "demo/ledger_generator.h"
+#include "finora_version.h"
 #include "model/clock.h"
 #include "model/document_host.h"
 #include "model/finora_doc.h"
@@ -42,7 +43,7 @@ struct OptionSpec {
 
 // Every option any command knows; a command ignores those that do not concern it.
 constexpr OptionSpec kOptions[] = {
-    {"--help", false},         {"--json", false},       {"--now", true},
+    {"--help", false},         {"--version", false},    {"--json", false},       {"--now", true},
     {"--password", true},      {"-o", true},            {"--operations", true},
     {"--seed", true},          {"--force", false},      {"--new-password", true},
     {"--csv", false},          {"--from", true},        {"--to", true},
@@ -771,7 +772,8 @@ void printHelp(std::ostream& out)
            "  --now \"ГГГГ-ММ-ДД ЧЧ:ММ:СС\"   фиксира текущия момент\n"
            "  --password P                 отключва защитен документ за командата\n"
            "  --json                       изход като един JSON документ\n"
-           "  --help                       тази помощ\n\n"
+           "  --help                       тази помощ\n"
+           "  --version                    версията на програмата\n\n"
            "Филтър: --from Д-М-ГГГГ --to Д-М-ГГГГ --type 0|1|2 --currency КОД --paid 0|1|2\n"
            "        --category ID (повече от веднъж) --subcategories --filter IN.ffl\n"
            "Търсене: --search ТЕКСТ --mode and|or|not --exact --in description,notes,currency\n"
@@ -788,6 +790,10 @@ int run(const std::vector<std::string>& argv, std::ostream& out, std::ostream& e
 {
     try {
         const Arguments args = parse(argv);
+        if (args.has("--version")) {
+            out << "finora-cli " << kVersionText << '\n';
+            return kOk;
+        }
         if (args.has("--help") || args.positional.empty()) {
             printHelp(args.positional.empty() && !args.has("--help") ? err : out);
             return args.has("--help") ? kOk : kUsage;

@@ -105,6 +105,15 @@ TEST_F(CliTest, OlderVersionsAreConvertedWithoutAQuestion)
     }
 }
 
+TEST_F(CliTest, VersionIsTheProgramsOwnWhateverElseIsGiven)
+{
+    const CliResult r = run({"--version"});
+    EXPECT_EQ(r.status, 0);
+    EXPECT_EQ(r.out, "finora-cli 1.501\n");
+    EXPECT_EQ(run({"info", path("none.fnr"), "--version"}).out, r.out);
+    EXPECT_NE(run({"--help"}).out.find("--version"), std::string::npos);
+}
+
 TEST_F(CliTest, ExitStatusesTellWhatWentWrong)
 {
     const std::string newer = path("newer.fnr");

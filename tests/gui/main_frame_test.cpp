@@ -21,6 +21,8 @@
 #include <QTreeWidget>
 #include <QApplication>
 #include <QLabel>
+#include <QMenu>
+#include <QMenuBar>
 #include <QTableView>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
@@ -28,6 +30,21 @@
 using namespace finora;
 using test::ScriptedHost;
 using test::answerNextDialog;
+
+namespace {
+
+// A menu of the menu bar by its title, or null.
+QMenu* menuTitled(CMainFrame& frame, const QString& title)
+{
+    for (QAction* top : frame.menuBar()->actions()) {
+        if (top->text() == title) {
+            return top->menu();
+        }
+    }
+    return nullptr;
+}
+
+} // namespace
 
 class MainFrameTest : public ::testing::Test {
 protected:
@@ -310,4 +327,21 @@ TEST_F(MainFrameTest, ToolbarAndACurrencyListThatFollowsTheLedger)
     EXPECT_GE(currency->findText(QStringLiteral("CHF")), 0);
     EXPECT_EQ(currency->currentIndex(), 0); // refilling did not change the choice
     EXPECT_EQ(m_frame->view().list().rowCount(), 500u);
+}
+
+TEST_F(MainFrameTest, TheAboutBoxEndsTheHelpMenuWithVersionLicenceAndQt)
+{
+    QMenu* help = menuTitled(*m_frame, QStringLiteral("&Помощ"));
+    ASSERT_NE(help, nullptr);
+    QAction* about = m_frame->action("actionAbout");
+    EXPECT_EQ(help->actions().last(), about);
+    EXPECT_EQ(about->text(), QStringLiteral("За програмата ..."));
+    about->trigger();
+    ASSERT_EQ(m_prompter.messages().size(), 1u);
+    const Message& box = m_prompter.messages().back();
+    EXPECT_EQ(box.caption, "За Finora");
+    EXPECT_EQ(box.icon, MessageIcon::Program);
+    EXPECT_EQ(box.text.rfind("Finora 1.501\n", 0), 0u) << box.text;
+    EXPECT_NE(box.text.find("Лиценз: MIT"), std::string::npos);
+    EXPECT_NE(box.text.find(std::string("Qt ") + qVersion()), std::string::npos);
 }
