@@ -19,11 +19,13 @@
 #include "editors/search_dialog.h"
 #include "lock/lock_commands.h"
 #include "lock/lock_guard.h"
+#include "reports/list_csv.h"
 #include "storage/file_io.h"
 #include "storage/ledger_import.h"
 
 #include <QAction>
 #include <map>
+#include <sstream>
 #include <QCloseEvent>
 #include <QDragEnterEvent>
 #include <QDesktopServices>
@@ -98,6 +100,7 @@ void CMainFrame::createActions()
         {"file", "actionPrint", "&Печат ...", QKeySequence::Print, [this] { m_report.print(this); }},
         {"file", "actionPrintPreview", "Предпе&чатен изглед на справката ...", {}, [this] { m_report.preview(this); }},
         {"file", "actionExportPdf", "Запиши справката като P&DF ...", {}, [this] { exportReportPdf(); }},
+        {"file", "actionExportCsv", "Запиши списъка като CSV ...", {}, [this] { exportListCsv(); }},
         {"file", "actionPageSetup", "Настро&йка на печата ...", {}, [this] { m_report.pageSetup(this); }},
         {"file", "actionPrintWidths", "Настро&йка на полетата за печат ...", {},
          [this] {
@@ -288,6 +291,7 @@ void CMainFrame::createActions()
         {"actionPrint", "Отпечатва справка за операциите в списъка"},
         {"actionPrintPreview", "Показва справката така, както ще бъде отпечатана"},
         {"actionExportPdf", "Записва справката във файл PDF"},
+        {"actionExportCsv", "Записва редовете и колоните на списъка във файл CSV"},
         {"actionPageSetup", "Избор на хартия и ориентация за печат"},
         {"actionPrintWidths", "Широчина на колоните в отпечатаната справка"},
         {"actionExit", "Затваря програмата"},
@@ -437,19 +441,37 @@ void CMainFrame::runLedgerDialog(Dialog& dialog)
     m_view->refresh();
 }
 
+std::optional<std::string> CMainFrame::chooseExportFile(const char* title, const char* filter,
+                                                       std::string_view extension)
+{
+    const std::string folder =
+        m_doc.path().empty() ? std::string() : QFileInfo(QString::fromStdString(m_doc.path())).path().toStdString();
+    std::optional<std::string> path = m_host.chooseExportPath({title, filter, folder});
+    if (path && !QString::fromStdString(*path).endsWith(QString::fromLatin1(extension), Qt::CaseInsensitive)) {
+        *path += extension;
+    }
+    return path;
+}
+
 void CMainFrame::exportReportPdf()
 {
-    QString path = QFileDialog::getSaveFileName(this, QStringLiteral("Запиши справката като PDF"),
-                                                QFileInfo(QString::fromStdString(m_doc.path())).path(),
-                                                QStringLiteral("PDF (*.pdf)"));
-    if (path.isEmpty()) {
+    const auto path = chooseExportFile("Запиши справката като PDF", "PDF (*.pdf)", ".pdf");
+    if (path && !m_report.exportPdf(QString::fromStdString(*path))) {
+        m_prompter.error("Справката не беше записана в " + *path + ".");
+    }
+}
+
+void CMainFrame::exportListCsv()
+{
+    const auto path = chooseExportFile("Запиши списъка като CSV", "CSV (*.csv)", ".csv");
+    if (!path) {
         return;
     }
-    if (!path.endsWith(QStringLiteral(".pdf"), Qt::CaseInsensitive)) {
-        path += QStringLiteral(".pdf");
-    }
-    if (!m_report.exportPdf(path)) {
-        m_prompter.error("Справката не беше записана в " + path.toStdString() + ".");
+    std::ostringstream csv;
+    writeListCsv(csv, m_view->list(), shownListColumns(m_settings));
+    FileError error = FileError::None;
+    if (!writeFileAtomically(*path, csv.str(), &error)) {
+        m_prompter.error("Списъкът не беше записан в „" + *path + "“.\n" + describe(error));
     }
 }
 
@@ -495,7 +517,7 @@ void CMainFrame::updateCommands()
     action("actionDeleteSelected")->setEnabled(anySelected);
     action("actionSetPaid")->setEnabled(anySelected);
     action("actionEditRecord")->setEnabled(anySelected);
-    for (const char* name : {"actionPrint", "actionPrintPreview", "actionExportPdf"}) {
+    for (const char* name : {"actionPrint", "actionPrintPreview", "actionExportPdf", "actionExportCsv"}) {
         action(name)->setEnabled(anyRow);
     }
 }

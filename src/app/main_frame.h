@@ -70,7 +70,11 @@ private:
     template <class Dialog>
     void runLedgerDialog(Dialog& dialog);
     void importLedgerFile();
+    // The host's save dialog for an export; the extension is added when the name lacks it.
+    std::optional<std::string> chooseExportFile(const char* title, const char* filter, std::string_view extension);
     void exportReportPdf();
+    // "Запиши списъка като CSV ...": the rows and columns the list shows now.
+    void exportListCsv();
     void startCalculator();
     void rememberRecent(const QString& path);
     void fillRecentMenu();

@@ -12,6 +12,7 @@ public:
     explicit QtDocumentHost(QWidget* parent = nullptr) : m_parent(parent) {}
     void setParent(QWidget* parent) { m_parent = parent; }
     std::optional<std::string> chooseSavePath() override;
+    std::optional<std::string> chooseExportPath(const ExportRequest& request) override;
     void exitProgram(int status) override;
 
     static const char* const kLedgerFilter;

@@ -9,6 +9,7 @@
 #include "model/recording_prompter.h"
 #include "query/operations_list.h"
 #include "reports/currency_cash.h"
+#include "reports/list_csv.h"
 #include "reports/yearly_summary.h"
 #include "storage/filter_file.h"
 #include "storage/ledger_import.h"
@@ -146,13 +147,6 @@ DateTime parseNow(const std::string& text)
     return now;
 }
 
-// The CLI has nobody to ask: no file dialog, and "ending the program" just ends the command.
-class CliHost final : public DocumentHost {
-public:
-    std::optional<std::string> chooseSavePath() override { return std::nullopt; }
-    void exitProgram(int) override {}
-};
-
 // What every command works with: one document and the code paths the desktop program uses.
 class Session {
 public:
@@ -228,7 +222,7 @@ private:
     FixedClock m_fixed;
     const Clock& m_clock;
     RecordingPrompter m_prompter{Answer::Yes}; // older files are converted without asking
-    CliHost m_host;
+    NoDocumentHost m_host;
     BackupWriter m_backups;
     CFinoraDoc m_doc;
     DocumentStorage m_storage;
@@ -542,19 +536,6 @@ int cmdList(Session& s, std::ostream& out)
     return kOk;
 }
 
-void writeCsvField(std::ostream& out, std::string_view field)
-{
-    if (field.find_first_of(",\"\r\n") == std::string_view::npos) {
-        out << field;
-        return;
-    }
-    out << '"';
-    for (char c : field) {
-        out << (c == '"' ? "\"\"" : std::string_view(&c, 1));
-    }
-    out << '"';
-}
-
 int cmdExport(Session& s, std::ostream& out)
 {
     if (!s.args().has("--csv")) {
@@ -563,18 +544,7 @@ int cmdExport(Session& s, std::ostream& out)
     s.open(s.args().positional[1], true);
     OperationsList list(s.doc(), s.settings(), s.prompter());
     buildList(s, list);
-    for (int c = 0; c < kListColumnCount; ++c) {
-        out << (c ? "," : "");
-        writeCsvField(out, listColumns()[static_cast<std::size_t>(c)].header);
-    }
-    out << "\r\n";
-    for (std::size_t r = 0; r < list.rowCount(); ++r) {
-        for (int c = 0; c < kListColumnCount; ++c) {
-            out << (c ? "," : "");
-            writeCsvField(out, utf8(list.cellText(r, c)));
-        }
-        out << "\r\n";
-    }
+    writeListCsv(out, list, allListColumns());
     return kOk;
 }
 
