@@ -53,6 +53,8 @@ constexpr OptionSpec kOptions[] = {
     {"--search", true},        {"--mode", true},        {"--exact", false},
     {"--in", true},            {"--case-sensitive", false}, {"--only-matching", false},
     {"--amount", true},        {"--tolerance", true},   {"--also-bgl", false},
+    {"--pdf", true},           {"--landscape", false},  {"--png", true},
+    {"--width", true},         {"--height", true},
 };
 
 struct Arguments {
@@ -150,8 +152,8 @@ DateTime parseNow(const std::string& text)
 // What every command works with: one document and the code paths the desktop program uses.
 class Session {
 public:
-    Session(const Arguments& args, const SettingsStore& userSettings)
-        : m_args(args), m_store(userSettings), m_settings(m_store),
+    Session(const Arguments& args, const SettingsStore& userSettings, Renderer* renderer)
+        : m_args(args), m_renderer(renderer), m_store(userSettings), m_settings(m_store),
           m_fixed(args.value("--now") ? parseNow(*args.value("--now")) : DateTime()),
           m_clock(args.value("--now") ? static_cast<const Clock&>(m_fixed) : m_system),
           m_doc(m_clock), m_storage(m_doc, m_settings, m_prompter, m_host, m_backups)
@@ -164,6 +166,13 @@ public:
     RecordingPrompter& prompter() { return m_prompter; }
     double openedVersion() const { return m_storage.openedVersion(); }
     const Clock& clock() const { return m_clock; }
+    Renderer& renderer() const
+    {
+        if (!m_renderer) {
+            throw Failure{kUsage, "тази програма е построена без рисуване: report и chart не са достъпни."};
+        }
+        return *m_renderer;
+    }
 
     // Opens the ledger; with `needOperations`, a locked one needs the right --password.
     void open(const std::string& path, bool needOperations)
@@ -216,6 +225,7 @@ public:
 
 private:
     const Arguments& m_args;
+    Renderer* m_renderer;
     OverlaySettingsStore m_store;
     Settings m_settings;
     SystemClock m_system;
@@ -579,11 +589,15 @@ int cmdCash(Session& s, std::ostream& out)
     return kOk;
 }
 
+int parseYear(const std::string& text)
+{
+    return static_cast<int>(std::clamp<std::int64_t>(parseInteger(text, "YEAR", INT32_MIN), INT32_MIN, INT32_MAX));
+}
+
 int cmdYear(Session& s, std::ostream& out)
 {
     s.open(s.args().positional[1], true);
-    const auto year = static_cast<int>(
-        std::clamp<std::int64_t>(parseInteger(s.args().positional[2], "YEAR", INT32_MIN), INT32_MIN, INT32_MAX));
+    const int year = parseYear(s.args().positional[2]);
     YearlySummary summary;
     const bool hasData = computeYearlySummary(s.doc(), year, summary);
     JsonWriter json(out);
@@ -603,6 +617,64 @@ int cmdYear(Session& s, std::ostream& out)
         .key("year_expense").value(summary.yearExpense)
         .endObject();
     out << '\n';
+    return kOk;
+}
+
+int cmdReport(Session& s, std::ostream& out)
+{
+    const auto pdf = s.args().value("--pdf");
+    if (!pdf) {
+        throw Failure{kUsage, "report изисква --pdf OUT."};
+    }
+    Renderer& renderer = s.renderer();
+    const std::string& path = s.args().positional[1];
+    s.open(path, true);
+    OperationsList list(s.doc(), s.settings(), s.prompter());
+    buildList(s, list);
+    const bool landscape = s.args().has("--landscape");
+    const int pages = planReport(list.rowCount(), 0, false, landscape).maxPage;
+    if (pages == 0) {
+        throw Failure{kNotWritten, "списъкът е празен: справката няма нито една страница."};
+    }
+    ReportContext context = reportContext(s.doc(), list);
+    // The footer names the ledger by its full path, as the desktop program's own does.
+    std::error_code ec;
+    const auto absolute = std::filesystem::absolute(pathFromUtf8(path), ec);
+    if (!ec) {
+        context.filePath = pathToUtf8(absolute);
+    }
+    if (!renderer.reportPdf(*pdf, list, context, s.settings(), landscape)) {
+        throw Failure{kNotWritten, "справката не може да бъде записана в „" + *pdf + "“."};
+    }
+    out << "Справката е записана: " << *pdf << " (страници: " << pages << ")\n";
+    return kOk;
+}
+
+int cmdChart(Session& s, std::ostream& out)
+{
+    const auto png = s.args().value("--png");
+    if (!png) {
+        throw Failure{kUsage, "chart изисква --png OUT."};
+    }
+    // Up to 8000 pixels a side: a picture, not a way to exhaust memory.
+    const auto side = [&](std::string_view option, const char* fallback) {
+        const std::int64_t value = parseInteger(s.args().value(option).value_or(fallback), option, 1);
+        if (value > 8000) {
+            throw Failure{kUsage, std::string(option) + " може да бъде най-много 8000."};
+        }
+        return static_cast<int>(value);
+    };
+    const int width = side("--width", "800");
+    const int height = side("--height", "500");
+    Renderer& renderer = s.renderer();
+    s.open(s.args().positional[1], true);
+    const int year = parseYear(s.args().positional[2]);
+    YearlySummary summary;
+    computeYearlySummary(s.doc(), year, summary);
+    if (!renderer.chartPng(*png, summary, year, width, height)) {
+        throw Failure{kNotWritten, "диаграмата не може да бъде записана в „" + *png + "“."};
+    }
+    out << "Диаграмата е записана: " << *png << '\n';
     return kOk;
 }
 
@@ -724,6 +796,9 @@ constexpr Command kCommands[] = {
     {"export", 1, cmdExport, "export FILE --csv [филтър] [търсене] [сума]   същите редове като CSV"},
     {"cash", 1, cmdCash, "cash FILE [--json]                 валутната каса"},
     {"year", 2, cmdYear, "year FILE YEAR                     приходи и разходи по месеци"},
+    {"report", 1, cmdReport,
+     "report FILE --pdf OUT [филтър] [търсене] [сума] [--landscape]   отпечатаната справка като PDF"},
+    {"chart", 2, cmdChart, "chart FILE YEAR --png OUT [--width W --height H]   диаграмата на годината като PNG"},
     {"import", 2, cmdImport, "import FILE OTHER [-o OUT] [--json]   добавя операциите на OTHER"},
     {"lock", 1, cmdLock, "lock FILE --new-password P        защитава документа с парола"},
     {"unlock", 1, cmdUnlock, "unlock FILE --password P           премахва защитата"},
@@ -756,7 +831,7 @@ void printHelp(std::ostream& out)
 } // namespace
 
 int run(const std::vector<std::string>& argv, std::ostream& out, std::ostream& err,
-        const SettingsStore& userSettings)
+        const SettingsStore& userSettings, Renderer* renderer)
 {
     try {
         const Arguments args = parse(argv);
@@ -777,7 +852,7 @@ int run(const std::vector<std::string>& argv, std::ostream& out, std::ostream& e
         if (args.positional.size() != command->arguments + 1) {
             throw Failure{kUsage, "употреба: finora-cli " + std::string(command->usage)};
         }
-        Session session(args, userSettings);
+        Session session(args, userSettings, renderer);
         return command->run(session, out);
     } catch (const Failure& f) {
         err << "finora-cli: " << f.message << '\n';

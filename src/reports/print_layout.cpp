@@ -1,5 +1,6 @@
 #include "reports/print_layout.h"
 
+#include "query/filter_criteria.h"
 #include "text/cp1251.h"
 
 #include <array>
@@ -110,6 +111,22 @@ ReportPlan planReport(std::size_t listRows, std::size_t selectedRows, bool selec
     }
     plan.rowCount = std::min(plan.rowCount, listRows);
     return plan;
+}
+
+ReportContext reportContext(const CFinoraDoc& doc, const OperationsList& list)
+{
+    const FilterCriteria& c = list.criteria();
+    const ListTotals& t = list.totals();
+    const int type = c.typeFilter >= 0 && c.typeFilter < 3 ? c.typeFilter : 0;
+    return {std::string(kTypeChoices[type]),
+            c.from,
+            c.to,
+            cp1251::toUtf8(c.allCurrencies() ? allCurrenciesItem() : c.currency),
+            cp1251::toUtf8(t.incomeText()),
+            cp1251::toUtf8(t.expenseText()),
+            cp1251::toUtf8(t.balanceText()),
+            doc.path(),
+            doc.clock().now()};
 }
 
 std::vector<ReportItem> layoutReportPage(const OperationsList& list, const ReportContext& context,
