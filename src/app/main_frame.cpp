@@ -574,12 +574,19 @@ void CMainFrame::afterOpen()
 
 bool CMainFrame::startUp(const QStringList& arguments)
 {
-    if (arguments.size() > 1) {
+    // The desktop opens filter files with Finora too: the ledger the program would open anyway,
+    // seen through that filter. A filter that cannot be read is said so, and start-up goes on.
+    const bool filterFile =
+        arguments.size() > 1 && arguments.at(1).endsWith(QStringLiteral(".ffl"), Qt::CaseInsensitive);
+    if (arguments.size() > 1 && !filterFile) {
         return openLedger(arguments.at(1));
     }
     const std::string last = m_settings.text(TextSetting::LastFileUsed);
     if (m_settings.isOn(IntSetting::AutoOpen) && !last.empty()) {
         openLedger(QString::fromStdString(last));
+    }
+    if (filterFile) {
+        m_view->filterPanel().loadFilterFrom(arguments.at(1));
     }
     return true;
 }

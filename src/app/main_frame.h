@@ -37,7 +37,8 @@ public:
     bool newLedger();
     // Opens a ledger; false when it could not be opened or the user cancelled.
     bool openLedger(const QString& path);
-    // The file named on the command line, else the last one used when `AutoOpen` is on.
+    // The file named on the command line, else the last one used when `AutoOpen` is on; a filter
+    // file (".ffl") on the command line is applied to the latter.
     bool startUp(const QStringList& arguments);
     // Up to four ledgers, the latest first.
     QStringList recentFiles() const;

@@ -6,6 +6,7 @@
 #include "support/dialog_driver.h"
 #include "settings/memory_settings_store.h"
 #include "storage/file_io.h"
+#include "storage/filter_file.h"
 #include "storage/ledger_format.h"
 #include "text/cp1251.h"
 
@@ -473,4 +474,34 @@ TEST_F(MainFrameTest, TheAboutBoxEndsTheHelpMenuWithVersionLicenceAndQt)
     EXPECT_EQ(box.text.rfind("Finora 1.501\n", 0), 0u) << box.text;
     EXPECT_NE(box.text.find("Лиценз: MIT"), std::string::npos);
     EXPECT_NE(box.text.find(std::string("Qt ") + qVersion()), std::string::npos);
+}
+
+TEST_F(MainFrameTest, AFilterFileOnTheCommandLineFiltersTheLedgerThatOpensAnyway)
+{
+    m_store.writeInt("Settings", "AutoOpen", 1);
+    ASSERT_TRUE(m_frame->openLedger(m_file));
+    StoredFilter incomeOnly;
+    resetCriteria(incomeOnly.criteria, m_frame->document(), m_clock.now());
+    incomeOnly.criteria.typeFilter = 1;
+    const QString filter = m_dir.filePath(QStringLiteral("приходи.FFL"));
+    ASSERT_TRUE(saveFilterFile(filter.toStdString(), incomeOnly));
+
+    auto other = std::make_unique<CMainFrame>(m_store, m_prompter, m_host, m_clock);
+    EXPECT_TRUE(other->startUp({QStringLiteral("finora"), filter}));
+    EXPECT_EQ(other->document().operationCount(), 500u);
+    EXPECT_EQ(other->view().list().criteria().typeFilter, 1);
+    const OperationsList& list = other->view().list();
+    ASSERT_GT(list.rowCount(), 0u);
+    EXPECT_LT(list.rowCount(), 500u);
+    for (std::size_t r = 0; r < list.rowCount(); ++r) {
+        EXPECT_EQ(cp1251::toUtf8(list.cellText(r, kColType)), "П");
+    }
+    EXPECT_TRUE(m_prompter.messages().empty());
+
+    // A file that is no filter: said, and the program still starts.
+    const QString broken = m_dir.filePath(QStringLiteral("счупен.ffl"));
+    writeFile(broken.toStdString(), "not a filter");
+    EXPECT_TRUE(other->startUp({QStringLiteral("finora"), broken}));
+    ASSERT_EQ(m_prompter.messages().size(), 1u);
+    EXPECT_EQ(m_prompter.messages().back().icon, MessageIcon::Error);
 }

@@ -12,7 +12,6 @@
 #include <QAction>
 #include <QFile>
 #include <QPrintPreviewWidget>
-#include <QProcess>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
