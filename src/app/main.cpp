@@ -8,6 +8,7 @@
 #include "finora_version.h"
 
 #include <QApplication>
+#include <QIcon>
 #include <QTimer>
 
 #include <cstdio>
@@ -23,6 +24,14 @@ int main(int argc, char** argv)
         }
     }
     QApplication app(argc, argv);
+    // The desktop matches the window to its entry by this id; the icon theme has the icon once
+    // installed, the program's own copy serves before that.
+    QGuiApplication::setDesktopFileName(QStringLiteral(FINORA_APP_ID));
+    QIcon fallback;
+    for (const char* size : {"64x64", "256x256"}) {
+        fallback.addFile(QStringLiteral(":/icons/%1/apps/" FINORA_APP_ID ".png").arg(QLatin1String(size)));
+    }
+    QApplication::setWindowIcon(QIcon::fromTheme(QStringLiteral(FINORA_APP_ID), fallback));
     QApplication::setOrganizationName(QString::fromLatin1(finora::QtSettingsStore::kOrganization));
     QApplication::setApplicationName(QString::fromLatin1(finora::QtSettingsStore::kApplication));
 
