@@ -27,12 +27,12 @@ public:
     }
     QFont font(ReportFont use) const
     {
-        const ReportFontSpec spec = reportFont(use);
+        const ReportFontSpec style = reportFont(use);
         QFont f(reportFamily());
         // The height is the whole character cell; Arial's em is about 1/1.15 of it.
-        f.setPixelSize(std::max(1, static_cast<int>(spec.height * m_scale / 1.15)));
-        f.setBold(spec.bold);
-        f.setItalic(spec.italic);
+        f.setPixelSize(std::max(1, static_cast<int>(style.height * m_scale / 1.15)));
+        f.setBold(style.bold);
+        f.setItalic(style.italic);
         f.setStyleHint(QFont::SansSerif);
         return f;
     }
