@@ -59,5 +59,5 @@ if ! command -v dpkg-shlibdeps >/dev/null; then
 fi
 (cd "$build" && cpack -G DEB >/dev/null)
 deb=$(ls "$build"/finora_*.deb)
-dpkg-deb --info "$deb" | sed -n '/Package:/,$p'
+dpkg-deb --field "$deb" Package Version Architecture Depends Recommends Installed-Size
 dpkg-deb --contents "$deb" | grep -E "usr/bin/finora(-cli)?$|$app_id.desktop$|mime/packages/finora.xml$" | awk '{print $NF}'
