@@ -31,13 +31,6 @@ namespace {
 
 const FixedClock kClock(DateTime::fromParts(2026, 11, 1, 12, 0, 0));
 
-class NoHost final : public DocumentHost {
-public:
-    std::optional<std::string> chooseSavePath() override { return std::nullopt; }
-    std::optional<std::string> chooseOpenPath(const std::string&) override { return std::nullopt; }
-    void exitProgram(int) override {}
-};
-
 fs::path benchDir()
 {
     static const fs::path dir = [] {
@@ -158,7 +151,7 @@ void BM_Open(benchmark::State& state)
     MemorySettingsStore store;
     Settings settings(store);
     RecordingPrompter prompter;
-    NoHost host;
+    NoDocumentHost host;
     BackupWriter backups;
     const double fileSize = static_cast<double>(fs::file_size(path));
     double growth = 0;
@@ -188,7 +181,7 @@ void BM_SaveWithBackup(benchmark::State& state)
     MemorySettingsStore store;
     Settings settings(store);
     RecordingPrompter prompter;
-    NoHost host;
+    NoDocumentHost host;
     BackupWriter backups;
     CFinoraDoc doc(kClock);
     DocumentStorage storage(doc, settings, prompter, host, backups);

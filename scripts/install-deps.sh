@@ -9,6 +9,7 @@ packages=(
   libgtest-dev libgmock-dev libbenchmark-dev
   fonts-dejavu-core fonts-liberation2
   xvfb xauth xdotool poppler-utils
+  desktop-file-utils appstream shared-mime-info xdg-utils dpkg-dev man-db
 )
 # Optional: libFuzzer needs clang and its runtime; the build skips the fuzz targets without them.
 if [[ "${FINORA_WITH_FUZZ:-1}" == 1 ]]; then

@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Installs what is missing, builds, and runs every test: the suite as released, the same suite
 # under AddressSanitizer + UndefinedBehaviorSanitizer, the threaded storage tests under
-# ThreadSanitizer, and each fuzz target for a minute when clang is there.
+# ThreadSanitizer, each fuzz target for a minute when clang is there, and a plain Release build as
+# a packager makes it, installed and packaged (scripts/release-check.sh).
 # FINORA_QUICK=1 runs the first of these only.
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -19,9 +20,10 @@ run_preset default
 
 if [[ "${FINORA_QUICK:-0}" != 1 ]]; then
   run_preset asan
-  # The tests that save, and so start the backup writer's thread.
-  run_preset tsan -R 'Storage|Backup|Cli|List|Import'
+  # The tests that save, and so start the backup writer's thread (not the ones that start Qt's GUI).
+  run_preset tsan -R 'Storage|Backup|Cli|List|Import|Lock|Atomic|FullDisk|FailedOpen' -E 'CliRender'
   scripts/fuzz.sh "${FINORA_FUZZ_SECONDS:-60}"
+  scripts/release-check.sh
   # The last word is the whole suite's, as released.
   ctest --preset default --parallel "$(nproc)" | tail -n 3
 fi

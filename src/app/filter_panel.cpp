@@ -304,9 +304,13 @@ void FilterPanel::loadFilter()
 {
     const QString path = QFileDialog::getOpenFileName(this, QString(), QString(),
                                                       QString::fromUtf8(kFilterFileFilter));
-    if (path.isEmpty()) {
-        return;
+    if (!path.isEmpty()) {
+        loadFilterFrom(path);
     }
+}
+
+void FilterPanel::loadFilterFrom(const QString& path)
+{
     StoredFilter f;
     FileError error = FileError::None;
     const FilterLoad result = loadFilterFile(path.toStdString(), f, &error);

@@ -38,6 +38,8 @@ public:
     // A double click on a category when the option says it makes a new operation there.
     void setOnAddInCategory(std::function<void()> handler) { m_onAddInCategory = std::move(handler); }
     void loadFilter();
+    // A filter file's criteria into the panel, and the list refreshed; an unreadable file says so.
+    void loadFilterFrom(const QString& path);
     void saveFilter();
 
     static constexpr const char* kNoCategoryText = "Не сте избрали категория от списъка на категориите!";

@@ -5,12 +5,33 @@
 
 #include "app/tip_dialog.h"
 
+#include "finora_version.h"
+
 #include <QApplication>
+#include <QIcon>
 #include <QTimer>
+
+#include <cstdio>
+#include <cstring>
 
 int main(int argc, char** argv)
 {
+    // Answered before any window exists, so it works without a display.
+    for (int i = 1; i < argc; ++i) {
+        if (std::strcmp(argv[i], "--version") == 0) {
+            std::printf("finora %s\n", finora::kVersionText);
+            return 0;
+        }
+    }
     QApplication app(argc, argv);
+    // The desktop matches the window to its entry by this id; the icon theme has the icon once
+    // installed, the program's own copy serves before that.
+    QGuiApplication::setDesktopFileName(QStringLiteral(FINORA_APP_ID));
+    QIcon fallback;
+    for (const char* size : {"64x64", "256x256"}) {
+        fallback.addFile(QStringLiteral(":/icons/%1/apps/" FINORA_APP_ID ".png").arg(QLatin1String(size)));
+    }
+    QApplication::setWindowIcon(QIcon::fromTheme(QStringLiteral(FINORA_APP_ID), fallback));
     QApplication::setOrganizationName(QString::fromLatin1(finora::QtSettingsStore::kOrganization));
     QApplication::setApplicationName(QString::fromLatin1(finora::QtSettingsStore::kApplication));
 

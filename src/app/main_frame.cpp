@@ -8,6 +8,7 @@
 #include "app/update_check.h"
 #include "app/web_links.h"
 #include "app/yearly_chart_dialog.h"
+#include "finora_version.h"
 #include "editors/backup_folder_dialog.h"
 #include "editors/category_dialogs.h"
 #include "editors/currency_cash_dialog.h"
@@ -18,11 +19,13 @@
 #include "editors/search_dialog.h"
 #include "lock/lock_commands.h"
 #include "lock/lock_guard.h"
+#include "reports/list_csv.h"
 #include "storage/file_io.h"
 #include "storage/ledger_import.h"
 
 #include <QAction>
 #include <map>
+#include <sstream>
 #include <QCloseEvent>
 #include <QDragEnterEvent>
 #include <QDesktopServices>
@@ -98,6 +101,7 @@ void CMainFrame::createActions()
         {"file", "actionPrint", "&Печат ...", QKeySequence::Print, [this] { m_report.print(this); }},
         {"file", "actionPrintPreview", "Предпе&чатен изглед на справката ...", {}, [this] { m_report.preview(this); }},
         {"file", "actionExportPdf", "Запиши справката като P&DF ...", {}, [this] { exportReportPdf(); }},
+        {"file", "actionExportCsv", "Запиши списъка като CSV ...", {}, [this] { exportListCsv(); }},
         {"file", "actionPageSetup", "Настро&йка на печата ...", {}, [this] { m_report.pageSetup(this); }},
         {"file", "actionPrintWidths", "Настро&йка на полетата за печат ...", {},
          [this] {
@@ -242,6 +246,7 @@ void CMainFrame::createActions()
          }},
         {"help", "actionHomePage", "Finora в &интернет ...", {},
          [] { QDesktopServices::openUrl(QUrl(QString::fromLatin1(kHomePage))); }},
+        {"help", "actionAbout", "За програмата ...", {}, [this] { m_prompter.show(aboutMessage()); }},
     };
     commands.insert(commands.end(), ledgerCommands.begin(), ledgerCommands.end());
     QMenu* file = menuBar()->addMenu(QStringLiteral("&Файл"));
@@ -268,7 +273,10 @@ void CMainFrame::createActions()
                              "actionAskForRate", "actionDblClickAdds", "actionDblClickFilters"}) {
         action(name)->setCheckable(true);
     }
-    QMenu* sites = help->addMenu(QStringLiteral("Препоръчани сайтове"));
+    // The recommended sites, then the about box last, as help menus end.
+    auto* sites = new QMenu(QStringLiteral("Препоръчани сайтове"), this);
+    help->insertMenu(action("actionAbout"), sites);
+    help->insertSeparator(action("actionAbout"));
     for (const WebLink& link : kRecommendedSites) {
         const QUrl url(QString::fromLatin1(link.address));
         connect(sites->addAction(QString::fromUtf8(link.label)), &QAction::triggered, this,
@@ -284,6 +292,7 @@ void CMainFrame::createActions()
         {"actionPrint", "Отпечатва справка за операциите в списъка"},
         {"actionPrintPreview", "Показва справката така, както ще бъде отпечатана"},
         {"actionExportPdf", "Записва справката във файл PDF"},
+        {"actionExportCsv", "Записва редовете и колоните на списъка във файл CSV"},
         {"actionPageSetup", "Избор на хартия и ориентация за печат"},
         {"actionPrintWidths", "Широчина на колоните в отпечатаната справка"},
         {"actionExit", "Затваря програмата"},
@@ -306,6 +315,7 @@ void CMainFrame::createActions()
         {"actionHelp", "Отваря помощната информация"},
         {"actionTip", "Показва съвет на деня"},
         {"actionUpdateCheck", "Проверява за нова версия на програмата"},
+        {"actionAbout", "Версията на програмата, лицензът и версията на Qt"},
         {"actionHomePage", "посете сайта на програмата в интернет, за да проверите за нови версии ..."},
     };
     for (const auto& [name, tip] : statusTips) {
@@ -432,20 +442,48 @@ void CMainFrame::runLedgerDialog(Dialog& dialog)
     m_view->refresh();
 }
 
+std::optional<std::string> CMainFrame::chooseExportFile(const char* title, const char* filter,
+                                                       std::string_view extension)
+{
+    const std::string folder =
+        m_doc.path().empty() ? std::string() : QFileInfo(QString::fromStdString(m_doc.path())).path().toStdString();
+    std::optional<std::string> path = m_host.chooseExportPath({title, filter, folder});
+    if (path && !QString::fromStdString(*path).endsWith(QString::fromLatin1(extension), Qt::CaseInsensitive)) {
+        *path += extension;
+    }
+    return path;
+}
+
 void CMainFrame::exportReportPdf()
 {
-    QString path = QFileDialog::getSaveFileName(this, QStringLiteral("Запиши справката като PDF"),
-                                                QFileInfo(QString::fromStdString(m_doc.path())).path(),
-                                                QStringLiteral("PDF (*.pdf)"));
-    if (path.isEmpty()) {
+    const auto path = chooseExportFile("Запиши справката като PDF", "PDF (*.pdf)", ".pdf");
+    if (path && !m_report.exportPdf(QString::fromStdString(*path))) {
+        m_prompter.error("Справката не беше записана в " + *path + ".");
+    }
+}
+
+void CMainFrame::exportListCsv()
+{
+    const auto path = chooseExportFile("Запиши списъка като CSV", "CSV (*.csv)", ".csv");
+    if (!path) {
         return;
     }
-    if (!path.endsWith(QStringLiteral(".pdf"), Qt::CaseInsensitive)) {
-        path += QStringLiteral(".pdf");
+    std::ostringstream csv;
+    writeListCsv(csv, m_view->list(), shownListColumns(m_settings));
+    FileError error = FileError::None;
+    if (!writeFileAtomically(*path, csv.str(), &error)) {
+        m_prompter.error("Списъкът не беше записан в „" + *path + "“.\n" + describe(error));
     }
-    if (!m_report.exportPdf(path)) {
-        m_prompter.error("Справката не беше записана в " + path.toStdString() + ".");
+}
+
+Message CMainFrame::aboutMessage()
+{
+    std::string text = std::string("Finora ") + kVersionText + "\n" + kReportCredit +
+                       ".\n\nЛиценз: MIT\nQt " + qVersion();
+    if (std::string_view(qVersion()) != QT_VERSION_STR) {
+        text += std::string(" (компилирана с Qt ") + QT_VERSION_STR + ")";
     }
+    return {"За Finora", text, MessageIcon::Program, MessageButtons::Ok};
 }
 
 void CMainFrame::updateCommands()
@@ -480,7 +518,7 @@ void CMainFrame::updateCommands()
     action("actionDeleteSelected")->setEnabled(anySelected);
     action("actionSetPaid")->setEnabled(anySelected);
     action("actionEditRecord")->setEnabled(anySelected);
-    for (const char* name : {"actionPrint", "actionPrintPreview", "actionExportPdf"}) {
+    for (const char* name : {"actionPrint", "actionPrintPreview", "actionExportPdf", "actionExportCsv"}) {
         action(name)->setEnabled(anyRow);
     }
 }
@@ -540,12 +578,19 @@ void CMainFrame::afterOpen()
 
 bool CMainFrame::startUp(const QStringList& arguments)
 {
-    if (arguments.size() > 1) {
+    // The desktop opens filter files with Finora too: the ledger the program would open anyway,
+    // seen through that filter. A filter that cannot be read is said so, and start-up goes on.
+    const bool filterFile =
+        arguments.size() > 1 && arguments.at(1).endsWith(QStringLiteral(".ffl"), Qt::CaseInsensitive);
+    if (arguments.size() > 1 && !filterFile) {
         return openLedger(arguments.at(1));
     }
     const std::string last = m_settings.text(TextSetting::LastFileUsed);
     if (m_settings.isOn(IntSetting::AutoOpen) && !last.empty()) {
         openLedger(QString::fromStdString(last));
+    }
+    if (filterFile) {
+        m_view->filterPanel().loadFilterFrom(arguments.at(1));
     }
     return true;
 }

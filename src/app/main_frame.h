@@ -41,13 +41,17 @@ public:
     // True while the open ledger may not be written over (another program holds it, or its
     // file is write-protected).
     bool isReadOnly() const { return m_storage.isReadOnly(); }
-    // The file named on the command line, else the last one used when `AutoOpen` is on.
+    // The file named on the command line, else the last one used when `AutoOpen` is on; a filter
+    // file (".ffl") on the command line is applied to the latter.
     bool startUp(const QStringList& arguments);
     // Up to four ledgers, the latest first.
     QStringList recentFiles() const;
 
     static constexpr const char* kCalculatorMissingText =
         "Калкулаторът на Windows не беше открит. Моля, инсталирайте го.";
+
+    // "За програмата ...": the version, the licence and the Qt it runs on.
+    static Message aboutMessage();
 
     static constexpr const char* kIdleText = "Finora е в състояние на готовност ...";
     // The title's name of a ledger that has never been saved.
@@ -73,7 +77,11 @@ private:
     template <class Dialog>
     void runLedgerDialog(Dialog& dialog);
     void importLedgerFile();
+    // The host's save dialog for an export; the extension is added when the name lacks it.
+    std::optional<std::string> chooseExportFile(const char* title, const char* filter, std::string_view extension);
     void exportReportPdf();
+    // "Запиши списъка като CSV ...": the rows and columns the list shows now.
+    void exportListCsv();
     void startCalculator();
     void rememberRecent(const QString& path);
     void fillRecentMenu();

@@ -1,6 +1,7 @@
 #include "app/qt_prompter.h"
 
 #include <QAbstractButton>
+#include <QApplication>
 #include <QMessageBox>
 
 #include <utility>
@@ -24,6 +25,9 @@ Answer QtPrompter::show(const Message& message)
         break;
     case MessageIcon::Question:
         box.setIcon(QMessageBox::Question);
+        break;
+    case MessageIcon::Program:
+        box.setIconPixmap(QApplication::windowIcon().pixmap(64, 64));
         break;
     case MessageIcon::None:
         break;

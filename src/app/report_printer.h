@@ -35,8 +35,6 @@ public:
     int paint(QPrinter& printer, bool selectionOnly) const;
 
 private:
-    ReportContext context() const;
-
     const CFinoraDoc& m_doc;
     const OperationsList& m_list;
     const Settings& m_settings;

@@ -8,6 +8,7 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
+#include <QStandardPaths>
 #include <QStyle>
 #include <QVBoxLayout>
 
@@ -18,7 +19,9 @@ QString tipsFilePath()
     const QString name = QStringLiteral("tips.txt");
     const QString appDir = QCoreApplication::applicationDirPath();
     for (const QString& candidate : {QDir::current().filePath(name), QDir(appDir).filePath(name),
-                                     QDir(appDir).filePath(QStringLiteral("../share/finora/tips.txt"))}) {
+                                     QDir(appDir).filePath(QStringLiteral("../share/finora/tips.txt")),
+                                     QStandardPaths::locate(QStandardPaths::GenericDataLocation,
+                                                            QStringLiteral("finora/tips.txt"))}) {
         if (QFileInfo::exists(candidate)) {
             return candidate;
         }

@@ -23,7 +23,8 @@ private:
     QCheckBox* m_show;
 };
 
-// tips.txt in the current folder, else beside the program or in its installed data folder;
+// tips.txt in the current folder, else beside the program, in its installed data folder or in
+// the desktop's data folders;
 // the current folder's name when none exists, so the dialog can say it is missing.
 QString tipsFilePath();
 

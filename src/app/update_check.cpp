@@ -1,6 +1,7 @@
 #include "app/update_check.h"
 
 #include "app/web_links.h"
+#include "finora_version.h"
 #include "model/number_text.h"
 
 #include <QEventLoop>

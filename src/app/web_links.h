@@ -18,6 +18,4 @@ inline constexpr WebLink kRecommendedSites[] = {
     {"Министерство на финансите ...", "https://www.minfin.bg/"},
 };
 
-inline constexpr double kOwnVersion = 1.501;
-
 } // namespace finora

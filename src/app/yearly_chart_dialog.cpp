@@ -1,6 +1,8 @@
 #include "app/yearly_chart_dialog.h"
 
 #include "app/window_layout.h"
+#include "app/yearly_chart.h"
+
 #include <QFileDialog>
 #include <QGridLayout>
 #include <QHBoxLayout>
@@ -147,23 +149,10 @@ void YearlyChartDialog::stepYear(int step)
 
 void YearlyChartDialog::draw(DrawMode mode)
 {
-    m_chart = std::make_unique<Chart>();
-    m_chart->setGraphType(Chart::Bars);
-    m_chart->setXAxisTitle(QStringLiteral("месеци"));
-    m_chart->setYAxisTitle(QStringLiteral("сума"));
-    m_chart->setSeriesColor(0, QColor(0, 255, 0));
-    m_chart->setSeriesLegend(0, QStringLiteral("приходи"));
-    m_chart->setSeriesColor(1, QColor(255, 0, 0));
-    m_chart->setSeriesLegend(1, QStringLiteral("разходи"));
     if (mode != DrawMode::Refresh) {
         computeYearlySummary(m_doc, m_year, m_summary);
     }
-    const YearlyChartData data = yearlyChartData(m_summary, m_year);
-    m_chart->setTitle(QString::fromStdString(data.title));
-    for (std::size_t m = 0; m < data.labels.size(); ++m) {
-        m_chart->addGroup(QString::fromUtf8(data.labels[m]), {data.values[m][0], data.values[m][1]});
-    }
-    m_chart->setYScale(0, data.yMaximum, YearlyChartData::kTicks);
+    m_chart = makeYearlyChart(m_summary, m_year);
     m_frame->show(*m_chart);
 }
 

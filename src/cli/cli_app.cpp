@@ -2,11 +2,13 @@
 
 #include "cli/json_writer.h"
 #include "demo/ledger_generator.h"
+#include "finora_version.h"
 #include "model/clock.h"
 #include "model/document_host.h"
 #include "model/finora_doc.h"
 #include "query/operations_list.h"
 #include "reports/currency_cash.h"
+#include "reports/list_csv.h"
 #include "reports/yearly_summary.h"
 #include "storage/filter_file.h"
 #include "storage/ledger_import.h"
@@ -44,7 +46,7 @@ struct OptionSpec {
 
 // Every option any command knows; a command ignores those that do not concern it.
 constexpr OptionSpec kOptions[] = {
-    {"--help", false},         {"--json", false},       {"--now", true},
+    {"--help", false},         {"--version", false},    {"--json", false},       {"--now", true},
     {"--password", true},      {"-o", true},            {"--operations", true},
     {"--seed", true},          {"--force", false},      {"--new-password", true},
     {"--csv", false},          {"--from", true},        {"--to", true},
@@ -53,6 +55,8 @@ constexpr OptionSpec kOptions[] = {
     {"--search", true},        {"--mode", true},        {"--exact", false},
     {"--in", true},            {"--case-sensitive", false}, {"--only-matching", false},
     {"--amount", true},        {"--tolerance", true},   {"--also-bgl", false},
+    {"--pdf", true},           {"--landscape", false},  {"--png", true},
+    {"--width", true},         {"--height", true},
 };
 
 struct Arguments {
@@ -147,14 +151,6 @@ DateTime parseNow(const std::string& text)
     return now;
 }
 
-// The CLI has nobody to ask: no file dialog, and "ending the program" just ends the command.
-class CliHost final : public DocumentHost {
-public:
-    std::optional<std::string> chooseSavePath() override { return std::nullopt; }
-    std::optional<std::string> chooseOpenPath(const std::string&) override { return std::nullopt; }
-    void exitProgram(int) override {}
-};
-
 // Keeps what the core said, and answers its questions the careful way: older files are
 // converted (that is the CLI's contract), every other question is answered so that nothing is
 // written over that the command line did not name.
@@ -184,8 +180,8 @@ constexpr auto kWaitForOtherCommand = std::chrono::seconds(30);
 // What every command works with: one document and the code paths the desktop program uses.
 class Session {
 public:
-    Session(const Arguments& args, const SettingsStore& userSettings)
-        : m_args(args), m_store(userSettings), m_settings(m_store),
+    Session(const Arguments& args, const SettingsStore& userSettings, Renderer* renderer)
+        : m_args(args), m_renderer(renderer), m_store(userSettings), m_settings(m_store),
           m_fixed(args.value("--now") ? parseNow(*args.value("--now")) : DateTime()),
           m_clock(args.value("--now") ? static_cast<const Clock&>(m_fixed) : m_system),
           m_doc(m_clock), m_storage(m_doc, m_settings, m_prompter, m_host, m_backups)
@@ -223,6 +219,13 @@ public:
     Prompter& prompter() { return m_prompter; }
     double openedVersion() const { return m_storage.openedVersion(); }
     const Clock& clock() const { return m_clock; }
+    Renderer& renderer() const
+    {
+        if (!m_renderer) {
+            throw Failure{kUsage, "тази програма е построена без рисуване: report и chart не са достъпни."};
+        }
+        return *m_renderer;
+    }
 
     // Opens the ledger; with `needOperations`, a locked one needs the right --password.
     void open(const std::string& path, bool needOperations)
@@ -285,13 +288,14 @@ public:
 
 private:
     const Arguments& m_args;
+    Renderer* m_renderer;
     OverlaySettingsStore m_store;
     Settings m_settings;
     SystemClock m_system;
     FixedClock m_fixed;
     const Clock& m_clock;
     CliPrompter m_prompter;
-    CliHost m_host;
+    NoDocumentHost m_host;
     BackupWriter m_backups;
     CFinoraDoc m_doc;
     DocumentStorage m_storage;
@@ -616,19 +620,6 @@ int cmdList(Session& s, std::ostream& out)
     return kOk;
 }
 
-void writeCsvField(std::ostream& out, std::string_view field)
-{
-    if (field.find_first_of(",\"\r\n") == std::string_view::npos) {
-        out << field;
-        return;
-    }
-    out << '"';
-    for (char c : field) {
-        out << (c == '"' ? "\"\"" : std::string_view(&c, 1));
-    }
-    out << '"';
-}
-
 int cmdExport(Session& s, std::ostream& out)
 {
     if (!s.args().has("--csv")) {
@@ -637,18 +628,7 @@ int cmdExport(Session& s, std::ostream& out)
     s.open(s.args().positional[1], true);
     OperationsList list(s.doc(), s.settings(), s.prompter());
     buildList(s, list);
-    for (int c = 0; c < kListColumnCount; ++c) {
-        out << (c ? "," : "");
-        writeCsvField(out, listColumns()[static_cast<std::size_t>(c)].header);
-    }
-    out << "\r\n";
-    for (std::size_t r = 0; r < list.rowCount(); ++r) {
-        for (int c = 0; c < kListColumnCount; ++c) {
-            out << (c ? "," : "");
-            writeCsvField(out, utf8(list.cellText(r, c)));
-        }
-        out << "\r\n";
-    }
+    writeListCsv(out, list, allListColumns());
     return kOk;
 }
 
@@ -683,11 +663,15 @@ int cmdCash(Session& s, std::ostream& out)
     return kOk;
 }
 
+int parseYear(const std::string& text)
+{
+    return static_cast<int>(std::clamp<std::int64_t>(parseInteger(text, "YEAR", INT32_MIN), INT32_MIN, INT32_MAX));
+}
+
 int cmdYear(Session& s, std::ostream& out)
 {
     s.open(s.args().positional[1], true);
-    const auto year = static_cast<int>(
-        std::clamp<std::int64_t>(parseInteger(s.args().positional[2], "YEAR", INT32_MIN), INT32_MIN, INT32_MAX));
+    const int year = parseYear(s.args().positional[2]);
     YearlySummary summary;
     const bool hasData = computeYearlySummary(s.doc(), year, summary);
     JsonWriter json(out);
@@ -707,6 +691,64 @@ int cmdYear(Session& s, std::ostream& out)
         .key("year_expense").value(summary.yearExpense)
         .endObject();
     out << '\n';
+    return kOk;
+}
+
+int cmdReport(Session& s, std::ostream& out)
+{
+    const auto pdf = s.args().value("--pdf");
+    if (!pdf) {
+        throw Failure{kUsage, "report изисква --pdf OUT."};
+    }
+    Renderer& renderer = s.renderer();
+    const std::string& path = s.args().positional[1];
+    s.open(path, true);
+    OperationsList list(s.doc(), s.settings(), s.prompter());
+    buildList(s, list);
+    const bool landscape = s.args().has("--landscape");
+    const int pages = planReport(list.rowCount(), 0, false, landscape).maxPage;
+    if (pages == 0) {
+        throw Failure{kNotWritten, "списъкът е празен: справката няма нито една страница."};
+    }
+    ReportContext context = reportContext(s.doc(), list);
+    // The footer names the ledger by its full path, as the desktop program's own does.
+    std::error_code ec;
+    const auto absolute = std::filesystem::absolute(pathFromUtf8(path), ec);
+    if (!ec) {
+        context.filePath = pathToUtf8(absolute);
+    }
+    if (!renderer.reportPdf(*pdf, list, context, s.settings(), landscape)) {
+        throw Failure{kNotWritten, "справката не може да бъде записана в „" + *pdf + "“."};
+    }
+    out << "Справката е записана: " << *pdf << " (страници: " << pages << ")\n";
+    return kOk;
+}
+
+int cmdChart(Session& s, std::ostream& out)
+{
+    const auto png = s.args().value("--png");
+    if (!png) {
+        throw Failure{kUsage, "chart изисква --png OUT."};
+    }
+    // Up to 8000 pixels a side: a picture, not a way to exhaust memory.
+    const auto side = [&](std::string_view option, const char* fallback) {
+        const std::int64_t value = parseInteger(s.args().value(option).value_or(fallback), option, 1);
+        if (value > 8000) {
+            throw Failure{kUsage, std::string(option) + " може да бъде най-много 8000."};
+        }
+        return static_cast<int>(value);
+    };
+    const int width = side("--width", "800");
+    const int height = side("--height", "500");
+    Renderer& renderer = s.renderer();
+    s.open(s.args().positional[1], true);
+    const int year = parseYear(s.args().positional[2]);
+    YearlySummary summary;
+    computeYearlySummary(s.doc(), year, summary);
+    if (!renderer.chartPng(*png, summary, year, width, height)) {
+        throw Failure{kNotWritten, "диаграмата не може да бъде записана в „" + *png + "“."};
+    }
+    out << "Диаграмата е записана: " << *png << '\n';
     return kOk;
 }
 
@@ -832,6 +874,9 @@ constexpr Command kCommands[] = {
     {"export", 1, cmdExport, "export FILE --csv [филтър] [търсене] [сума]   същите редове като CSV"},
     {"cash", 1, cmdCash, "cash FILE [--json]                 валутната каса"},
     {"year", 2, cmdYear, "year FILE YEAR                     приходи и разходи по месеци"},
+    {"report", 1, cmdReport,
+     "report FILE --pdf OUT [филтър] [търсене] [сума] [--landscape]   отпечатаната справка като PDF"},
+    {"chart", 2, cmdChart, "chart FILE YEAR --png OUT [--width W --height H]   диаграмата на годината като PNG"},
     {"import", 2, cmdImport, "import FILE OTHER [-o OUT] [--json]   добавя операциите на OTHER"},
     {"lock", 1, cmdLock, "lock FILE --new-password P        защитава документа с парола"},
     {"unlock", 1, cmdUnlock, "unlock FILE --password P           премахва защитата"},
@@ -850,7 +895,8 @@ void printHelp(std::ostream& out)
            "  --now \"ГГГГ-ММ-ДД ЧЧ:ММ:СС\"   фиксира текущия момент\n"
            "  --password P                 отключва защитен документ за командата\n"
            "  --json                       изход като един JSON документ\n"
-           "  --help                       тази помощ\n\n"
+           "  --help                       тази помощ\n"
+           "  --version                    версията на програмата\n\n"
            "Филтър: --from Д-М-ГГГГ --to Д-М-ГГГГ --type 0|1|2 --currency КОД --paid 0|1|2\n"
            "        --category ID (повече от веднъж) --subcategories --filter IN.ffl\n"
            "Търсене: --search ТЕКСТ --mode and|or|not --exact --in description,notes,currency\n"
@@ -866,10 +912,14 @@ void printHelp(std::ostream& out)
 } // namespace
 
 int run(const std::vector<std::string>& argv, std::ostream& out, std::ostream& err,
-        const SettingsStore& userSettings)
+        const SettingsStore& userSettings, Renderer* renderer)
 {
     try {
         const Arguments args = parse(argv);
+        if (args.has("--version")) {
+            out << "finora-cli " << kVersionText << '\n';
+            return kOk;
+        }
         if (args.has("--help") || args.positional.empty()) {
             printHelp(args.positional.empty() && !args.has("--help") ? err : out);
             return args.has("--help") ? kOk : kUsage;
@@ -883,7 +933,7 @@ int run(const std::vector<std::string>& argv, std::ostream& out, std::ostream& e
         if (args.positional.size() != command->arguments + 1) {
             throw Failure{kUsage, "употреба: finora-cli " + std::string(command->usage)};
         }
-        Session session(args, userSettings);
+        Session session(args, userSettings, renderer);
         return command->run(session, out);
     } catch (const Failure& f) {
         err << "finora-cli: " << f.message << '\n';

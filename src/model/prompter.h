@@ -4,7 +4,8 @@
 
 namespace finora {
 
-enum class MessageIcon { None, Information, Warning, Error, Question };
+// Program: the program's own icon, as an about box shows it.
+enum class MessageIcon { None, Information, Warning, Error, Question, Program };
 enum class MessageButtons { Ok, YesNo, YesNoCancel };
 enum class Answer { Ok, Yes, No, Cancel };
 

@@ -1,5 +1,6 @@
 #include "reports/print_layout.h"
 
+#include "query/filter_criteria.h"
 #include "text/cp1251.h"
 
 #include <array>
@@ -112,6 +113,22 @@ ReportPlan planReport(std::size_t listRows, std::size_t selectedRows, bool selec
     return plan;
 }
 
+ReportContext reportContext(const CFinoraDoc& doc, const OperationsList& list)
+{
+    const FilterCriteria& c = list.criteria();
+    const ListTotals& t = list.totals();
+    const int type = c.typeFilter >= 0 && c.typeFilter < 3 ? c.typeFilter : 0;
+    return {std::string(kTypeChoices[type]),
+            c.from,
+            c.to,
+            cp1251::toUtf8(c.allCurrencies() ? allCurrenciesItem() : c.currency),
+            cp1251::toUtf8(t.incomeText()),
+            cp1251::toUtf8(t.expenseText()),
+            cp1251::toUtf8(t.balanceText()),
+            doc.path(),
+            doc.clock().now()};
+}
+
 std::vector<ReportItem> layoutReportPage(const OperationsList& list, const ReportContext& context,
                                          const Settings& settings, const ReportPlan& plan,
                                          const ReportDevice& device, int page)
@@ -162,10 +179,10 @@ std::vector<ReportItem> layoutReportPage(const OperationsList& list, const Repor
         const bool income = list.cellText(i, kTypeCol) == kIncomeType;
         for (std::size_t c = 0; c < columnCount; ++c) {
             const PrintColumn& col = kColumns[c];
-            std::string text = cp1251::toUtf8(list.cellText(i, col.listColumn));
-            if (col.padded) {
-                text.insert(0, " ");
-            }
+            // Appended rather than inserted at the front: GCC 12 warns falsely (-Wrestrict) on
+            // an insert at position 0 once it is inlined at -O3.
+            std::string text = col.padded ? " " : "";
+            text += cp1251::toUtf8(list.cellText(i, col.listColumn));
             if (col.signedAmount) {
                 text = (income ? "" : "-") + text + " ";
             }

@@ -73,6 +73,9 @@ struct ReportContext {
     DateTime printedAt;
 };
 
+// The context of the list as the window shows it: the panel's choices, the totals, the file.
+ReportContext reportContext(const CFinoraDoc& doc, const OperationsList& list);
+
 // The items of page `page` (1-based), in drawing order.
 std::vector<ReportItem> layoutReportPage(const OperationsList& list, const ReportContext& context,
                                          const Settings& settings, const ReportPlan& plan,

@@ -66,6 +66,15 @@ TEST_F(CliTest, OlderVersionsAreConvertedWithoutAQuestion)
     }
 }
 
+TEST_F(CliTest, VersionIsTheProgramsOwnWhateverElseIsGiven)
+{
+    const CliResult r = run({"--version"});
+    EXPECT_EQ(r.status, 0);
+    EXPECT_EQ(r.out, "finora-cli 1.501\n");
+    EXPECT_EQ(run({"info", path("none.fnr"), "--version"}).out, r.out);
+    EXPECT_NE(run({"--help"}).out.find("--version"), std::string::npos);
+}
+
 TEST_F(CliTest, ExitStatusesTellWhatWentWrong)
 {
     const std::string newer = path("newer.fnr");
@@ -90,6 +99,10 @@ TEST_F(CliTest, ExitStatusesTellWhatWentWrong)
     const CliResult badNow = run({"--now", "2024-02-30 10:00:00", "new", path("n.fnr")});
     EXPECT_EQ(badNow.status, cli::kUsage);
     EXPECT_FALSE(fs::exists(path("n.fnr")));
+    // Without a renderer (this library alone) the drawing commands say they are not there.
+    const CliResult noDrawing = run({"chart", cut, "2026", "--png", path("c.png")});
+    EXPECT_EQ(noDrawing.status, cli::kUsage);
+    EXPECT_NE(noDrawing.err.find("report и chart не са достъпни"), std::string::npos);
     const CliResult help = run({"--help"});
     EXPECT_EQ(help.status, 0);
     EXPECT_NE(help.out.find("generate FILE --operations N"), std::string::npos);

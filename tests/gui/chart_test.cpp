@@ -2,6 +2,7 @@
 #include "app/yearly_chart_dialog.h"
 #include "chart/chart.h"
 #include "demo/ledger_generator.h"
+#include "support/rendered_output.h"
 
 #include <QApplication>
 #include <QImage>
@@ -13,19 +14,9 @@
 #include <gtest/gtest.h>
 
 using namespace finora;
+using test::pixelsOf;
 
 namespace {
-
-int pixelsOf(const QImage& image, QRgb colour)
-{
-    int n = 0;
-    for (int y = 0; y < image.height(); ++y) {
-        for (int x = 0; x < image.width(); ++x) {
-            n += (image.pixel(x, y) & 0xFFFFFF) == (colour & 0xFFFFFF) ? 1 : 0;
-        }
-    }
-    return n;
-}
 
 QImage render(const Chart& chart)
 {

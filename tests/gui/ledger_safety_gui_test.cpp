@@ -386,6 +386,7 @@ public:
         openPaths.pop_front();
         return p;
     }
+    std::optional<std::string> chooseExportPath(const ExportRequest&) override { return std::nullopt; }
     void exitProgram(int status) override { real.exitProgram(status); }
 
     std::deque<std::string> openPaths;

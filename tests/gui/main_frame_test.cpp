@@ -6,11 +6,14 @@
 #include "support/dialog_driver.h"
 #include "settings/memory_settings_store.h"
 #include "storage/file_io.h"
+#include "storage/filter_file.h"
 #include "storage/ledger_format.h"
+#include "text/cp1251.h"
 
 #include <QAbstractItemModelTester>
 #include <QAction>
 #include <QDialog>
+#include <QFile>
 #include <QFileInfo>
 #include <QLineEdit>
 #include <QTimer>
@@ -21,6 +24,9 @@
 #include <QTreeWidget>
 #include <QApplication>
 #include <QLabel>
+#include <QMenu>
+#include <QMenuBar>
+#include <QTest>
 #include <QTableView>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
@@ -28,6 +34,21 @@
 using namespace finora;
 using test::ScriptedHost;
 using test::answerNextDialog;
+
+namespace {
+
+// A menu of the menu bar by its title, or null.
+QMenu* menuTitled(CMainFrame& frame, const QString& title)
+{
+    for (QAction* top : frame.menuBar()->actions()) {
+        if (top->text() == title) {
+            return top->menu();
+        }
+    }
+    return nullptr;
+}
+
+} // namespace
 
 class MainFrameTest : public ::testing::Test {
 protected:
@@ -310,4 +331,178 @@ TEST_F(MainFrameTest, ToolbarAndACurrencyListThatFollowsTheLedger)
     EXPECT_GE(currency->findText(QStringLiteral("CHF")), 0);
     EXPECT_EQ(currency->currentIndex(), 0); // refilling did not change the choice
     EXPECT_EQ(m_frame->view().list().rowCount(), 500u);
+}
+
+namespace {
+
+// RFC 4180 records: quoted fields may hold commas, doubled quotes and line breaks.
+std::vector<QStringList> parseCsv(const QString& text)
+{
+    std::vector<QStringList> records;
+    QStringList record;
+    QString field;
+    bool quoted = false;
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        const QChar c = text.at(i);
+        if (quoted) {
+            if (c == QLatin1Char('"') && i + 1 < text.size() && text.at(i + 1) == QLatin1Char('"')) {
+                field += c;
+                ++i;
+            } else if (c == QLatin1Char('"')) {
+                quoted = false;
+            } else {
+                field += c;
+            }
+        } else if (c == QLatin1Char('"')) {
+            quoted = true;
+        } else if (c == QLatin1Char(',')) {
+            record << field;
+            field.clear();
+        } else if (c == QLatin1Char('\r') && i + 1 < text.size() && text.at(i + 1) == QLatin1Char('\n')) {
+            record << field;
+            field.clear();
+            records.push_back(record);
+            record.clear();
+            ++i;
+        } else {
+            field += c;
+        }
+    }
+    EXPECT_TRUE(field.isEmpty() && record.isEmpty()) << "the last line has no CRLF";
+    return records;
+}
+
+} // namespace
+
+TEST_F(MainFrameTest, TheShownListIsWrittenAsCsvAfterASearchThatKeepsOnlyMatches)
+{
+    ASSERT_TRUE(m_frame->openLedger(m_file));
+    m_frame->action("actionColumn7")->trigger(); // "Забележки" hidden
+    m_frame->show();
+    m_frame->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(m_frame.get()));
+    auto* table = m_frame->view().table();
+    table->setFocus();
+
+    // F3, the word typed key by key, "описание" and "show only the matching rows" clicked, Enter.
+    answerNextDialog([](QDialog* d) {
+        auto* text = d->findChild<QLineEdit*>();
+        ASSERT_NE(text, nullptr);
+        test::typeKeys(text, QStringLiteral("пазар"));
+        for (const QString& option : {QStringLiteral("описание"), QStringLiteral("показвай само съвпадащите редове")}) {
+            auto* box = test::buttonWithText<QCheckBox>(d, option);
+            ASSERT_NE(box, nullptr);
+            if (!box->isChecked()) {
+                QTest::mouseClick(box, Qt::LeftButton);
+            }
+            ASSERT_TRUE(box->isChecked());
+        }
+        QTest::keyClick(text, Qt::Key_Return);
+        EXPECT_FALSE(d->isVisible());
+    });
+    QTest::keyClick(table, Qt::Key_F3);
+    const int shown = table->model()->rowCount();
+    ASSERT_GT(shown, 0);
+    ASSERT_LT(shown, 500);
+
+    // Файл, then "Запиши списъка като CSV ...", with the mouse.
+    const QString csvPath = m_dir.filePath(QStringLiteral("пазар"));
+    m_host.exportPaths.push_back(csvPath.toStdString());
+    QMenu* file = menuTitled(*m_frame, QStringLiteral("&Файл"));
+    ASSERT_NE(file, nullptr);
+    QTest::mouseClick(m_frame->menuBar(), Qt::LeftButton, {},
+                      m_frame->menuBar()->actionGeometry(file->menuAction()).center());
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(file));
+    QAction* exportCsv = m_frame->action("actionExportCsv");
+    ASSERT_EQ(exportCsv->text(), QStringLiteral("Запиши списъка като CSV ..."));
+    QTest::mouseClick(file, Qt::LeftButton, {}, file->actionGeometry(exportCsv).center());
+
+    ASSERT_EQ(m_host.exportRequests.size(), 1u);
+    EXPECT_EQ(m_host.exportRequests[0].filter, "CSV (*.csv)");
+    QFile written(csvPath + QStringLiteral(".csv")); // the extension is added
+    ASSERT_TRUE(written.open(QIODevice::ReadOnly));
+    const std::vector<QStringList> records = parseCsv(QString::fromUtf8(written.readAll()));
+
+    // The header and every row hold the shown columns only, in the table's order and texts.
+    std::vector<int> columns;
+    QStringList headers;
+    for (int c = 0; c < table->model()->columnCount(); ++c) {
+        if (!table->isColumnHidden(c)) {
+            columns.push_back(c);
+            headers << table->model()->headerData(c, Qt::Horizontal).toString();
+        }
+    }
+    EXPECT_FALSE(headers.contains(QStringLiteral("забележки")));
+    EXPECT_TRUE(headers.contains(QStringLiteral("описание")));
+    ASSERT_EQ(records.size(), static_cast<std::size_t>(shown) + 1);
+    EXPECT_EQ(records[0], headers);
+    for (int r = 0; r < shown; ++r) {
+        QStringList cells;
+        for (int c : columns) {
+            cells << table->model()->index(r, c).data().toString();
+        }
+        EXPECT_EQ(records[static_cast<std::size_t>(r) + 1], cells) << r;
+    }
+
+    // Exactly the ledger's entries whose description holds the word, counted from the records.
+    const int descr = static_cast<int>(headers.indexOf(QStringLiteral("описание")));
+    int expected = 0;
+    for (const Operation& op : m_frame->document().ledger().operations) {
+        expected += QString::fromStdString(cp1251::toUtf8(op.description()))
+                            .contains(QStringLiteral("пазар"), Qt::CaseInsensitive)
+                        ? 1
+                        : 0;
+    }
+    EXPECT_EQ(shown, expected);
+    for (std::size_t r = 1; r < records.size(); ++r) {
+        EXPECT_TRUE(records[r].at(descr).contains(QStringLiteral("пазар"), Qt::CaseInsensitive));
+    }
+}
+
+TEST_F(MainFrameTest, TheAboutBoxEndsTheHelpMenuWithVersionLicenceAndQt)
+{
+    QMenu* help = menuTitled(*m_frame, QStringLiteral("&Помощ"));
+    ASSERT_NE(help, nullptr);
+    QAction* about = m_frame->action("actionAbout");
+    EXPECT_EQ(help->actions().last(), about);
+    EXPECT_EQ(about->text(), QStringLiteral("За програмата ..."));
+    about->trigger();
+    ASSERT_EQ(m_prompter.messages().size(), 1u);
+    const Message& box = m_prompter.messages().back();
+    EXPECT_EQ(box.caption, "За Finora");
+    EXPECT_EQ(box.icon, MessageIcon::Program);
+    EXPECT_EQ(box.text.rfind("Finora 1.501\n", 0), 0u) << box.text;
+    EXPECT_NE(box.text.find("Лиценз: MIT"), std::string::npos);
+    EXPECT_NE(box.text.find(std::string("Qt ") + qVersion()), std::string::npos);
+}
+
+TEST_F(MainFrameTest, AFilterFileOnTheCommandLineFiltersTheLedgerThatOpensAnyway)
+{
+    m_store.writeInt("Settings", "AutoOpen", 1);
+    ASSERT_TRUE(m_frame->openLedger(m_file));
+    StoredFilter incomeOnly;
+    resetCriteria(incomeOnly.criteria, m_frame->document(), m_clock.now());
+    incomeOnly.criteria.typeFilter = 1;
+    const QString filter = m_dir.filePath(QStringLiteral("приходи.FFL"));
+    ASSERT_TRUE(saveFilterFile(filter.toStdString(), incomeOnly));
+    ASSERT_TRUE(m_frame->newLedger()); // a second window would be told the ledger is open here
+
+    auto other = std::make_unique<CMainFrame>(m_store, m_prompter, m_host, m_clock);
+    EXPECT_TRUE(other->startUp({QStringLiteral("finora"), filter}));
+    EXPECT_EQ(other->document().operationCount(), 500u);
+    EXPECT_EQ(other->view().list().criteria().typeFilter, 1);
+    const OperationsList& list = other->view().list();
+    ASSERT_GT(list.rowCount(), 0u);
+    EXPECT_LT(list.rowCount(), 500u);
+    for (std::size_t r = 0; r < list.rowCount(); ++r) {
+        EXPECT_EQ(cp1251::toUtf8(list.cellText(r, kColType)), "П");
+    }
+    EXPECT_TRUE(m_prompter.messages().empty());
+
+    // A file that is no filter: said, and the program still starts.
+    const QString broken = m_dir.filePath(QStringLiteral("счупен.ffl"));
+    writeFile(broken.toStdString(), "not a filter");
+    EXPECT_TRUE(other->startUp({QStringLiteral("finora"), broken}));
+    ASSERT_EQ(m_prompter.messages().size(), 1u);
+    EXPECT_EQ(m_prompter.messages().back().icon, MessageIcon::Error);
 }

@@ -3,6 +3,7 @@
 #include "demo/ledger_generator.h"
 #include "model/recording_prompter.h"
 #include "settings/memory_settings_store.h"
+#include "support/rendered_output.h"
 #include "support/scripted_host.h"
 #include "text/cp1251.h"
 
@@ -11,23 +12,13 @@
 #include <QAction>
 #include <QFile>
 #include <QPrintPreviewWidget>
-#include <QProcess>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
 using namespace finora;
+using test::pdfText;
 
 namespace {
-
-QString pdfText(const QString& path)
-{
-    QProcess pdftotext;
-    pdftotext.start(QStringLiteral("pdftotext"), {QStringLiteral("-layout"), path, QStringLiteral("-")});
-    if (!pdftotext.waitForFinished(30000)) {
-        return {};
-    }
-    return QString::fromUtf8(pdftotext.readAllStandardOutput());
-}
 
 // A main window over a generated ledger, its list showing every operation.
 class Report : public ::testing::Test {

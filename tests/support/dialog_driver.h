@@ -7,6 +7,7 @@
 #include <QDialog>
 #include <QFocusEvent>
 #include <QLineEdit>
+#include <QTest>
 #include <QTimer>
 #include <gtest/gtest.h>
 
@@ -57,6 +58,15 @@ inline void typeInto(QLineEdit* edit, const QString& text)
     edit->setText(text);
     QFocusEvent out(QEvent::FocusOut, Qt::TabFocusReason);
     QApplication::sendEvent(edit, &out);
+}
+
+// One key press a character, as typed on a keyboard. (QTest::keyClicks sends Latin-1 only, so
+// Cyrillic letters would arrive as nothing.)
+inline void typeKeys(QWidget* widget, const QString& text)
+{
+    for (const QChar c : text) {
+        QTest::sendKeyEvent(QTest::Click, widget, Qt::Key_unknown, QString(c), Qt::NoModifier);
+    }
 }
 
 } // namespace finora::test

@@ -10,8 +10,8 @@
 
 namespace finora::test {
 
-// Answers save and open dialogs from queues (an empty queue cancels) and records requests to
-// end.
+// Answers save, open and export dialogs from queues (an empty queue cancels) and records
+// requests to end.
 class ScriptedHost final : public DocumentHost {
 public:
     std::optional<std::string> chooseOpenPath(const std::string& caption) override
@@ -40,9 +40,21 @@ public:
         paths.pop_front();
         return p;
     }
+    std::optional<std::string> chooseExportPath(const ExportRequest& request) override
+    {
+        exportRequests.push_back(request);
+        if (exportPaths.empty()) {
+            return std::nullopt;
+        }
+        auto p = exportPaths.front();
+        exportPaths.pop_front();
+        return p;
+    }
     void exitProgram(int status) override { exits.push_back(status); }
 
     std::deque<std::optional<std::string>> paths;
+    std::deque<std::optional<std::string>> exportPaths;
+    std::vector<ExportRequest> exportRequests;
     int dialogs = 0;
     std::deque<std::string> openPaths;
     // Runs while a dialog would be open, as the program's own event loop would then run.
