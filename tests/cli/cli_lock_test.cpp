@@ -19,7 +19,7 @@ using namespace finora::test;
 
 namespace {
 
-// How much slower than an optimised build this one runs; the old code took 10 to 30 times the
+// How much slower than an optimised build this one runs; the old code took 5 to 10 times the
 // bounds below even optimised, so they still tell linear from quadratic.
 #if defined(__SANITIZE_THREAD__)
 constexpr double kSlowBuild = 20.0;
