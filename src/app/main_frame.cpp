@@ -224,7 +224,7 @@ void CMainFrame::createActions()
          [this] {
              DateTimeParts today;
              m_doc.clock().now().toParts(today);
-             YearlyChartDialog dialog(m_doc, today.year, this);
+             YearlyChartDialog dialog(m_doc, today.year, m_prompter, this);
              dialog.exec();
          }},
         {"help", "actionHelp", "Помо&щна информация", QKeySequence(Qt::Key_F1), [this] { showHelp(this, {}); }},

@@ -56,8 +56,8 @@ private:
     QPixmap m_picture;
 };
 
-YearlyChartDialog::YearlyChartDialog(const CFinoraDoc& doc, int year, QWidget* parent)
-    : QDialog(parent), m_doc(doc), m_year(year), m_chart(std::make_unique<Chart>()), m_frame(new Frame(this)),
+YearlyChartDialog::YearlyChartDialog(const CFinoraDoc& doc, int year, Prompter& prompter, QWidget* parent)
+    : QDialog(parent), m_doc(doc), m_prompter(prompter), m_year(year), m_chart(std::make_unique<Chart>()), m_frame(new Frame(this)),
       m_yearEdit(new QLineEdit(QString::number(year), this))
 {
     setWindowTitle(QStringLiteral("Диаграма на приходите и разходите по месеци ..."));
@@ -158,7 +158,11 @@ void YearlyChartDialog::draw(DrawMode mode)
 
 bool YearlyChartDialog::savePicture(const QString& path) const
 {
-    return !m_frame->picture().isNull() && m_frame->picture().save(path, "PNG");
+    if (!m_frame->picture().isNull() && m_frame->picture().save(path, "PNG")) {
+        return true;
+    }
+    m_prompter.error("Диаграмата не беше записана във файла „" + path.toStdString() + "“.");
+    return false;
 }
 
 } // namespace finora

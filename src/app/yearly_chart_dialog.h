@@ -2,6 +2,7 @@
 
 #include "chart/chart.h"
 #include "model/finora_doc.h"
+#include "model/prompter.h"
 #include "reports/yearly_summary.h"
 
 #include <QDialog>
@@ -19,7 +20,7 @@ class YearlyChartDialog final : public QDialog {
 public:
     enum class DrawMode { First = 0, YearChanged = 1, Refresh = 2 };
 
-    YearlyChartDialog(const CFinoraDoc& doc, int year, QWidget* parent = nullptr);
+    YearlyChartDialog(const CFinoraDoc& doc, int year, Prompter& prompter, QWidget* parent = nullptr);
     ~YearlyChartDialog() override;
 
     int year() const { return m_year; }
@@ -29,6 +30,7 @@ public:
     const QPixmap& picture() const;
     void draw(DrawMode mode);
     void stepYear(int step);
+    // Writes the chart as PNG; a failure is said.
     bool savePicture(const QString& path) const;
 
     static constexpr int kSpinMinimum = 2000;
@@ -42,6 +44,7 @@ private:
     class Frame;
 
     const CFinoraDoc& m_doc;
+    Prompter& m_prompter;
     int m_year;
     YearlySummary m_summary;
     std::unique_ptr<Chart> m_chart;

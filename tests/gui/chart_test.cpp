@@ -2,6 +2,7 @@
 #include "app/yearly_chart_dialog.h"
 #include "chart/chart.h"
 #include "demo/ledger_generator.h"
+#include "model/recording_prompter.h"
 #include "support/rendered_output.h"
 
 #include <QApplication>
@@ -89,7 +90,8 @@ TEST(YearlyChart, DrawsTheYearStepsAndAsksForARefreshAfterAResize)
             busiest = year;
         }
     }
-    YearlyChartDialog dialog(doc, busiest, nullptr);
+    RecordingPrompter prompter;
+    YearlyChartDialog dialog(doc, busiest, prompter, nullptr);
     dialog.show();
     QApplication::processEvents();
     EXPECT_EQ(dialog.year(), busiest);
@@ -139,6 +141,13 @@ TEST(YearlyChart, DrawsTheYearStepsAndAsksForARefreshAfterAResize)
     const QString png = dir.filePath(QStringLiteral("диаграма.png"));
     ASSERT_TRUE(dialog.savePicture(png));
     EXPECT_EQ(QImage(png).size(), dialog.picture().size());
+    EXPECT_TRUE(prompter.messages().empty());
+    // A picture that cannot be written is said, not passed over.
+    const QString nowhere = dir.filePath(QStringLiteral("няма/диаграма.png"));
+    EXPECT_FALSE(dialog.savePicture(nowhere));
+    ASSERT_EQ(prompter.messages().size(), 1u);
+    EXPECT_EQ(prompter.messages().back().icon, MessageIcon::Error);
+    EXPECT_NE(prompter.messages().back().text.find(nowhere.toStdString()), std::string::npos);
 }
 
 } // namespace
