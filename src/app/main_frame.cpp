@@ -222,6 +222,10 @@ void CMainFrame::createActions()
         {"ledger", nullptr, nullptr, {}, {}},
         {"ledger", "actionYearlyChart", "&Диаграма за приходите и разходите през годината ...", {},
          [this] {
+             // The chart shows the ledger's figures, which a locked ledger keeps to itself.
+             if (refuseWhenLocked(m_doc, m_prompter)) {
+                 return;
+             }
              DateTimeParts today;
              m_doc.clock().now().toParts(today);
              YearlyChartDialog dialog(m_doc, today.year, m_prompter, this);

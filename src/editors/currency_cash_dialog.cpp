@@ -139,7 +139,10 @@ CurrencyCashEditor::NameAsker CurrencyCashDialog::nameAsker()
 
 void CurrencyCashDialog::fill()
 {
+    // The selection follows the currency, not the row number: after a sort, an addition or a
+    // deletion the same currency stays chosen, and a deleted one leaves nothing chosen.
     const int selected = selectedRow();
+    const QString selectedId = selected >= 0 ? m_list->topLevelItem(selected)->text(0) : QString();
     m_list->clear();
     QList<QTreeWidgetItem*> items;
     for (const CashRow& row : m_editor.rows()) {
@@ -151,8 +154,15 @@ void CurrencyCashDialog::fill()
         items.append(item);
     }
     m_list->addTopLevelItems(items);
-    if (selected >= 0 && selected < m_list->topLevelItemCount()) {
-        m_list->setCurrentItem(m_list->topLevelItem(selected));
+    QTreeWidgetItem* same = nullptr;
+    for (QTreeWidgetItem* item : items) {
+        if (!selectedId.isEmpty() && item->text(0) == selectedId) {
+            same = item;
+        }
+    }
+    m_list->setCurrentItem(same);
+    if (!same) {
+        m_list->clearSelection();
     }
     updateButtons();
 }

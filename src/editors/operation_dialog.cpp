@@ -5,6 +5,8 @@
 #include "editors/editor_widgets.h"
 #include "editors/search_editor.h"
 
+#include <QAbstractItemView>
+#include <QApplication>
 #include <QButtonGroup>
 #include <QCheckBox>
 #include <QComboBox>
@@ -17,11 +19,37 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QTimer>
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
+#include <functional>
+
 namespace finora {
 namespace {
+
+// The currency list tells when it closes: the value field follows the main currency then, and
+// only then.
+class CurrencyCombo final : public QComboBox {
+public:
+    using QComboBox::QComboBox;
+    std::function<void()> onListClosed;
+
+    void hidePopup() override
+    {
+        const bool wasOpen = view() && view()->isVisible();
+        QComboBox::hidePopup();
+        if (wasOpen && onListClosed) {
+            // The list closes before it hands over the item chosen in it: the rule must see the
+            // new choice.
+            QTimer::singleShot(0, this, [this] {
+                if (onListClosed) {
+                    onListClosed();
+                }
+            });
+        }
+    }
+};
 
 void setTextKeepingCursor(QLineEdit* edit, const QString& text)
 {
@@ -39,7 +67,7 @@ OperationDialog::OperationDialog(CFinoraDoc& doc, Settings& settings, Prompter& 
       m_income(new QRadioButton(QStringLiteral("приход"), this)),
       m_expense(new QRadioButton(QStringLiteral("разход"), this)), m_description(new QLineEdit(this)),
       m_category(new QLabel(this)), m_notes(new QLineEdit(this)), m_amount(new QLineEdit(this)),
-      m_currency(new QComboBox(this)), m_rate(new QLineEdit(this)), m_value(new QLineEdit(this)),
+      m_currency(new CurrencyCombo(this)), m_rate(new QLineEdit(this)), m_value(new QLineEdit(this)),
       m_paid(new QCheckBox(QStringLiteral("изплатено?"), this)),
       m_addChange(new QPushButton(QStringLiteral("&добави/промени"), this)),
       m_list(makeReportList(this, {{"#", 0},
@@ -57,7 +85,7 @@ OperationDialog::OperationDialog(CFinoraDoc& doc, Settings& settings, Prompter& 
     setWindowTitle(QString::fromUtf8(OperationEditor::kTitle));
     setObjectName(QStringLiteral("operationDialog"));
     m_date->setCalendarPopup(true);
-    m_date->setDisplayFormat(QStringLiteral("dd.MM.yyyy"));
+    m_date->setDisplayFormat(QStringLiteral("dd-MM-yyyy"));
     m_date->setDate(toQDate(m_editor.date()));
     (m_editor.typeIndex() == 0 ? m_income : m_expense)->setChecked(true);
     auto* types = new QButtonGroup(this);
@@ -94,6 +122,7 @@ OperationDialog::OperationDialog(CFinoraDoc& doc, Settings& settings, Prompter& 
     clear->setIcon(style()->standardIcon(QStyle::SP_DialogResetButton));
     auto* save = new QPushButton(QStringLiteral("&съхрани"), this);
     auto* cancel = new QPushButton(QStringLiteral("отказ"), this);
+    m_cancel = cancel;
     save->setDefault(true);
     for (QPushButton* b : {m_addChange, clear, m_edit, m_delete, m_deleteAll, m_saveAndNew, cancel, chooseCategory}) {
         b->setAutoDefault(false);
@@ -216,11 +245,19 @@ OperationDialog::OperationDialog(CFinoraDoc& doc, Settings& settings, Prompter& 
             showEntry();
         });
     }
-    connect(m_currency, &QComboBox::activated, this, [this](int index) {
+    // The currency rule runs when the choice changes, not when the same currency is picked again
+    // (which would suggest a rate over one the user typed).
+    connect(m_currency, &QComboBox::currentIndexChanged, this, [this](int index) {
+        if (m_showing || index < 0) {
+            return;
+        }
         m_editor.selectCurrency(m_editor.currencies().at(static_cast<std::size_t>(index)));
-        m_editor.currencyListClosed();
         showEntry();
     });
+    static_cast<CurrencyCombo*>(m_currency)->onListClosed = [this] {
+        m_editor.currencyListClosed();
+        showEntry();
+    };
     connect(m_paid, &QCheckBox::toggled, this, [this](bool on) {
         if (!m_showing) {
             m_editor.setPaid(on);
@@ -306,10 +343,28 @@ bool OperationDialog::eventFilter(QObject* watched, QEvent* event)
             m_editor.focusIn(field);
         } else {
             m_editor.focusOut(field);
+            refuseNotANumber(static_cast<QLineEdit*>(watched), field);
         }
         showEntry();
     }
     return QDialog::eventFilter(watched, event);
+}
+
+void OperationDialog::refuseNotANumber(QLineEdit* edit, EntryField field)
+{
+    // Leaving for "отказ" (or closing) needs no correct number; the focus has already moved on
+    // when this is told, so the widget that took it says where the user went.
+    const QWidget* next = QApplication::focusWidget();
+    if (!next || next == m_cancel || !isVisible()) {
+        return;
+    }
+    // After the focus change is done: a message box in the middle of one would fight it.
+    QTimer::singleShot(0, this, [this, edit, field] {
+        if (!m_editor.checkField(field)) {
+            edit->setFocus(Qt::OtherFocusReason);
+            edit->selectAll();
+        }
+    });
 }
 
 void OperationDialog::showEntry()

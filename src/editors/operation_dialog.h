@@ -37,6 +37,8 @@ private:
     bool takeTexts();
     void saveWith(bool addAnother);
     EntryField fieldOf(QObject* edit) const;
+    // Leaving a number field that holds no number: said, and the user is taken back to it.
+    void refuseNotANumber(QLineEdit* edit, EntryField field);
 
     CFinoraDoc& m_doc;
     Prompter& m_prompter;
@@ -61,6 +63,7 @@ private:
     QPushButton* m_deleteAll;
     QLineEdit* m_total;
     QPushButton* m_saveAndNew;
+    QPushButton* m_cancel = nullptr;
 };
 
 } // namespace finora

@@ -154,7 +154,32 @@ std::string* OperationEditor::textOf(EntryField field)
 double OperationEditor::number(EntryField field) const
 {
     const std::string* text = textOf(field);
-    return text ? parseNumber(*text) : 0.0;
+    if (!text) {
+        return 0.0;
+    }
+    // A decimal comma is a decimal point here, never the end of the number; while a number is
+    // half typed ("12e") the leading part counts, as everywhere else.
+    double value = 0.0;
+    return readNumberField(*text, value) ? value : parseNumber(*text);
+}
+
+std::string OperationEditor::notANumberText(EntryField field)
+{
+    const char* label = field == EntryField::Rate    ? "курс на валута:"
+                        : field == EntryField::Value ? "стойност в лв:"
+                                                     : "сума:";
+    return std::string("В полето \"") + label + "\" трябва да има число, например 45,60.";
+}
+
+bool OperationEditor::checkField(EntryField field)
+{
+    const std::string* text = textOf(field);
+    double value = 0.0;
+    if (!text || text->find_first_not_of(" \t") == std::string::npos || readNumberField(*text, value)) {
+        return true;
+    }
+    m_prompter.error(notANumberText(field), kNotANumberCaption);
+    return false;
 }
 
 void OperationEditor::setNumber(EntryField field, double value)
@@ -247,8 +272,8 @@ void OperationEditor::applyCurrencyRule()
         setNumber(EntryField::Value, number(EntryField::Amount));
         return;
     }
+    // Whether the value field is enabled is the list-closed rule's alone.
     m_readOnlyRate = false;
-    m_valueEnabled = true;
     if (m_entryRecordId < 1) {
         if (const auto s = suggestRate(m_doc, m_settings, m_prompter, number(EntryField::Amount), m_currency)) {
             setNumber(EntryField::Rate, s->rate);
@@ -301,6 +326,11 @@ RowTracking* OperationEditor::trackingOf(const PaymentRow& row)
 
 bool OperationEditor::addOrChange()
 {
+    for (const EntryField field : {EntryField::Amount, EntryField::Rate, EntryField::Value}) {
+        if (!checkField(field)) {
+            return false;
+        }
+    }
     const double amount = number(EntryField::Amount);
     if (!(amount > 0.0)) {
         m_prompter.error(kNoAmountText, kMissingCaption);

@@ -99,6 +99,10 @@ public:
 
     void focusIn(EntryField field);
     void focusOut(EntryField field);
+    // A field's text must be empty or wholly a number (a decimal comma is fine): false, after
+    // saying so, for anything else, which would otherwise read as some other number.
+    bool checkField(EntryField field);
+    static std::string notANumberText(EntryField field);
     // A text typed (or set) in a field; recomputes the other two when that field has the focus.
     void setText(EntryField field, std::string text);
     // The currency rule, with the rate suggestion for a new payment in a foreign currency.
@@ -147,6 +151,7 @@ public:
         "Сигурни ли сте, че желаете да изтриете маркираните записи?";
     static constexpr const char* kDeleteAllText = "Сигурни ли сте, че желаете да изтриете всички записи?";
     static constexpr const char* kDeleteCaption = "Потвърдете!";
+    static constexpr const char* kNotANumberCaption = "Невалидна стойност";
 
 private:
     void openStored(std::int32_t editedId);

@@ -11,7 +11,6 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRadioButton>
-#include <QSignalBlocker>
 #include <QVBoxLayout>
 
 namespace finora {
@@ -76,6 +75,8 @@ SearchDialog::SearchDialog(SearchEditor& editor, QWidget* parent)
     layout->addWidget(other);
     layout->addWidget(buttons);
 
+    m_text->setObjectName(QStringLiteral("searchText"));
+    m_text->setText(QString::fromStdString(cp1251::toUtf8(m_editor.request().text)));
     connect(m_mode, &QButtonGroup::idClicked, this, [this](int id) {
         m_editor.chooseMode(id);
         showRequest();
@@ -99,9 +100,9 @@ SearchDialog::SearchDialog(SearchEditor& editor, QWidget* parent)
 
 void SearchDialog::showRequest()
 {
+    // The text field is the user's: it is filled once, with the last search's text, and what
+    // is typed there is read when "търси" is pressed, whatever options change in between.
     const SearchRequest& r = m_editor.request();
-    const QSignalBlocker blockText(m_text);
-    m_text->setText(QString::fromStdString(cp1251::toUtf8(r.text)));
     m_mode->button(r.mode)->setChecked(true);
     m_exact->setChecked(r.exactPhrase);
     m_description->setChecked(r.inDescription);

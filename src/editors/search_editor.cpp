@@ -88,26 +88,6 @@ std::optional<std::string> typedText(std::string_view utf8, Prompter& prompter)
     return out;
 }
 
-bool readNumberField(std::string_view text, double& value)
-{
-    std::string s(text);
-    // Trim, and take a decimal comma for a point.
-    const auto first = s.find_first_not_of(" \t");
-    const auto last = s.find_last_not_of(" \t");
-    s = first == std::string::npos ? std::string() : s.substr(first, last - first + 1);
-    for (char& c : s) {
-        if (c == ',') {
-            c = '.';
-        }
-    }
-    if (!s.empty() && s[0] == '+') {
-        s.erase(0, 1);
-    }
-    const auto result = std::from_chars(s.data(), s.data() + s.size(), value);
-    return !s.empty() && result.ec == std::errc() && result.ptr == s.data() + s.size() &&
-           std::isfinite(value);
-}
-
 bool readAmountFilter(std::string_view amount, std::string_view tolerance, bool alsoBgl,
                       Prompter& prompter, AmountFilterRequest& request)
 {

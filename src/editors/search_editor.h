@@ -1,5 +1,6 @@
 #pragma once
 
+#include "model/number_text.h"
 #include "model/prompter.h"
 #include "query/operations_list.h"
 
@@ -39,9 +40,6 @@ bool acceptPassword(bool lockMode, std::string_view password, std::string_view r
 
 // Typed text (UTF-8) as Windows-1251, or a message naming what cannot be stored.
 std::optional<std::string> typedText(std::string_view utf8, Prompter& prompter);
-
-// A whole field as a number: blanks around it and a decimal comma are fine, anything else is not.
-bool readNumberField(std::string_view text, double& value);
 
 // What the "филтриране по сума" dialog returns.
 struct AmountFilterRequest {

@@ -251,6 +251,7 @@ std::int32_t CFinoraDoc::newMasterId()
 void CFinoraDoc::setLock(std::string_view password)
 {
     m_ledger.lockText = passwordDigest(password);
+    changed();
 }
 
 bool CFinoraDoc::checkLock(std::string_view password, LockCheck mode)

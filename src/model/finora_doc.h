@@ -83,8 +83,8 @@ public:
     void setUnlocked(bool unlocked) { m_unlocked = unlocked ? 1 : 0; }
     // Protected and not unlocked for this session.
     bool isLocked() const { return !m_ledger.lockText.empty() && m_unlocked == 0; }
-    // Keeps the digest of `password`; it reaches the file with the next save, which this does
-    // not trigger.
+    // Keeps the digest of `password`: a change of the document like any other, so it is marked
+    // modified, auto-saved with `AutoSave` on, and asked about on closing.
     void setLock(std::string_view password);
     enum class LockCheck { TemporaryUnlock, RemoveProtection };
     // On a matching password: unlock until the document is closed, or remove the protection for

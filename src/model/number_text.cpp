@@ -3,6 +3,7 @@
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <string>
 
 namespace finora {
 
@@ -76,6 +77,28 @@ double parseNumber(std::string_view text)
         value = tiny ? 0.0 : HUGE_VAL;
     }
     return negative ? -value : value;
+}
+
+bool readNumberField(std::string_view text, double& value)
+{
+    const auto first = text.find_first_not_of(" \t");
+    const auto last = text.find_last_not_of(" \t");
+    std::string s = first == std::string_view::npos ? std::string() : std::string(text.substr(first, last - first + 1));
+    for (char& c : s) {
+        if (c == ',') {
+            c = '.';
+        }
+    }
+    if (!s.empty() && s[0] == '+') {
+        s.erase(0, 1);
+    }
+    double read = 0.0;
+    const auto result = std::from_chars(s.data(), s.data() + s.size(), read);
+    if (s.empty() || result.ec != std::errc() || result.ptr != s.data() + s.size() || !std::isfinite(read)) {
+        return false;
+    }
+    value = read;
+    return true;
 }
 
 } // namespace finora

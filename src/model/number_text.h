@@ -19,5 +19,8 @@ std::string amountWithCurrencyText(double value, std::string_view currency); // 
 // Reads the longest number at the start of the text, after leading white space, as the C
 // library's atof does; a text that starts with no number reads as 0.
 double parseNumber(std::string_view text);
+// A number a person typed into a field: the whole text must be one number; blanks around it,
+// a leading '+' and a decimal comma (a Bulgarian user's decimal point) are fine.
+bool readNumberField(std::string_view text, double& value);
 
 } // namespace finora

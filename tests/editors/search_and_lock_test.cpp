@@ -85,7 +85,7 @@ TEST(LockCommands, SetUnlockAndRemoveTheProtection)
     EXPECT_TRUE(permanentProtectionCommand(doc, prompter, ask));
     EXPECT_TRUE(askedLockMode);
     EXPECT_TRUE(doc.isLocked());
-    EXPECT_FALSE(doc.isModified()); // reaches the file with the next save
+    EXPECT_TRUE(doc.isModified()); // a change like any other: saved, or asked about on closing
     EXPECT_EQ(prompter.messages().back().caption, "Успех");
     EXPECT_EQ(temporaryUnlockMenuText(doc), "Временно откл&ючване\tF12");
     EXPECT_EQ(permanentProtectionMenuText(doc), "Премахване на постоянната защита");

@@ -232,19 +232,26 @@ TEST_F(StorageTest, TheSaveChangesQuestion)
     EXPECT_EQ(doc.path(), path("kept.fnr"));
 }
 
-TEST_F(StorageTest, RemovingTheProtectionIsAChangeAndSettingItIsNot)
+TEST_F(StorageTest, SettingAndRemovingTheProtectionAreChangesOfTheDocument)
 {
-    settings.setValue(IntSetting::AutoSave, 1);
     const std::string file = path("locked.fnr");
     doc.setPath(file);
+    ASSERT_TRUE(storage.save(file));
+    doc.setLock("secret");
+    EXPECT_TRUE(doc.isModified()); // so closing asks before the protection is lost
+    EXPECT_TRUE(doc.isLocked());
+    EXPECT_EQ(readFile(file), serializeLedger(Ledger()));
+
+    // With auto-save on, both reach the file at once.
+    settings.setValue(IntSetting::AutoSave, 1);
     doc.setLock("secret");
     EXPECT_FALSE(doc.isModified());
-    EXPECT_TRUE(doc.isLocked());
-    EXPECT_FALSE(fs::exists(file));
-    ASSERT_TRUE(storage.save(file));
+    Ledger locked;
+    locked.lockText = doc.lockText();
+    EXPECT_EQ(readFile(file), serializeLedger(locked));
     EXPECT_FALSE(doc.checkLock("wrong", CFinoraDoc::LockCheck::RemoveProtection));
     EXPECT_TRUE(doc.checkLock("secret", CFinoraDoc::LockCheck::RemoveProtection));
-    EXPECT_FALSE(doc.isModified()); // auto-saved at once
+    EXPECT_FALSE(doc.isModified());
     EXPECT_EQ(readFile(file), serializeLedger(Ledger()));
 }
 

@@ -6,6 +6,7 @@
 #include <QApplication>
 #include <QDialog>
 #include <QDir>
+#include <QLineEdit>
 #include <QMainWindow>
 #include <QMenu>
 #include <QMenuBar>
@@ -30,9 +31,23 @@ inline void bringUp(QWidget* window)
     EXPECT_TRUE(QTest::qWaitForWindowActive(window)) << window->windowTitle().toStdString();
 }
 
+// The window a user works in is the active one. Offscreen there is no window manager to hand
+// the activation back when a dialog closes, so every action here makes sure of it first (unless
+// a modal dialog above the window has it, as it would).
+inline void activate(QWidget* widget)
+{
+    QWidget* window = widget->window();
+    QWidget* modal = QApplication::activeModalWidget();
+    if (QApplication::activeWindow() != window && (!modal || modal == window)) {
+        QApplication::setActiveWindow(window);
+        (void)QTest::qWaitForWindowActive(window);
+    }
+}
+
 // A key press where the keyboard focus is in `window` (or the window itself).
 inline void press(QWidget* window, int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier)
 {
+    activate(window);
     QWidget* target = window->focusWidget() ? window->focusWidget() : window;
     QTest::keyClick(target, static_cast<Qt::Key>(key), modifiers);
 }
@@ -48,6 +63,7 @@ inline QString shown(QString text)
 inline void chooseMenu(QMainWindow* window, const QStringList& path)
 {
     ASSERT_FALSE(path.isEmpty());
+    activate(window);
     QMenuBar* bar = window->menuBar();
     QAction* top = nullptr;
     for (QAction* a : bar->actions()) {
@@ -90,10 +106,41 @@ inline QAbstractButton* button(QWidget* parent, const QString& text)
     return nullptr;
 }
 
+// Types `text` into the widget key by key, Cyrillic included (QTest::keyClicks passes only
+// Latin-1 on).
+inline void type(QWidget* widget, const QString& text)
+{
+    activate(widget);
+    for (const QChar c : text) {
+        const auto key = static_cast<Qt::Key>(c.isLetter() ? c.toUpper().unicode() : c.unicode());
+        QTest::sendKeyEvent(QTest::Click, widget, key, QString(c), Qt::NoModifier);
+    }
+}
+
+// Clicks into a line edit, selects what it holds and types over it, as a user replaces a field.
+inline void retype(QLineEdit* edit, const QString& text)
+{
+    ASSERT_NE(edit, nullptr);
+    activate(edit);
+    QTest::mouseClick(edit, Qt::LeftButton);
+    QTest::keyClick(edit, Qt::Key_A, Qt::ControlModifier);
+    type(edit, text);
+}
+
+// A double click as the mouse makes one: a click, then the second press that the system reports
+// as a double click.
+inline void doubleClick(QWidget* widget, QPoint at)
+{
+    activate(widget);
+    QTest::mouseClick(widget, Qt::LeftButton, {}, at);
+    QTest::mouseDClick(widget, Qt::LeftButton, {}, at);
+}
+
 inline void click(QAbstractButton* button)
 {
     ASSERT_NE(button, nullptr);
     ASSERT_TRUE(button->isVisible() && button->isEnabled()) << button->text().toStdString();
+    activate(button);
     QTest::mouseClick(button, Qt::LeftButton);
 }
 
@@ -121,27 +168,39 @@ inline void saveShots(const QString& why, QString test = {})
 }
 
 // The modal dialog that the next action must open: `answer` runs on it once it shows. The
-// test fails if the action returns and no dialog came.
+// test fails if the action returns and no dialog came. Only a dialog other than the one in front
+// when this was made counts: a click may let events run before its dialog opens.
 class ExpectDialog {
 public:
     explicit ExpectDialog(std::function<void(QDialog*)> answer) : m_state(std::make_shared<State>())
     {
         m_state->answer = std::move(answer);
+        m_state->before = QApplication::activeModalWidget();
+        m_state->timer.setInterval(5);
         std::weak_ptr<State> weak = m_state;
-        QTimer::singleShot(0, [weak] {
+        QObject::connect(&m_state->timer, &QTimer::timeout, &m_state->timer, [weak] {
             auto state = weak.lock();
             if (!state) {
                 return;
             }
-            state->fired = true;
             auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
-            if (!dialog) {
-                return; // verify() says so
+            if (!dialog || dialog == state->before) {
+                if (++state->tries > 400) { // two seconds
+                    state->timer.stop();
+                    state->fired = true;
+                }
+                return;
             }
-            state->seen = dialog->windowTitle();
+            state->timer.stop();
+            state->fired = true;
             state->came = true;
+            state->seen = dialog->windowTitle();
+            // As a window manager does with a dialog that opens: keys and focus go to it.
+            QApplication::setActiveWindow(dialog);
+            (void)QTest::qWaitForWindowActive(dialog);
             state->answer(dialog);
         });
+        m_state->timer.start();
     }
     ~ExpectDialog() { verify(); }
     ExpectDialog(const ExpectDialog&) = delete;
@@ -154,7 +213,8 @@ public:
             return;
         }
         m_verified = true;
-        (void)QTest::qWaitFor([this] { return m_state->fired; }, 2000);
+        (void)QTest::qWaitFor([this] { return m_state->fired; }, 3000);
+        m_state->timer.stop();
         if (!m_state->came) {
             saveShots(QStringLiteral("no-dialog"));
             ADD_FAILURE() << "the expected dialog did not appear";
@@ -165,6 +225,9 @@ public:
 private:
     struct State {
         std::function<void(QDialog*)> answer;
+        QPointer<QWidget> before;
+        QTimer timer;
+        int tries = 0;
         bool fired = false;
         bool came = false;
         QString seen;
