@@ -93,11 +93,17 @@ FilterPanel::FilterPanel(CFinoraDoc& doc, Settings& settings, Prompter& prompter
     // Left: the simple criteria; middle: the tree; right: the chosen categories.
     auto* criteriaBox = new QGridLayout;
     criteriaBox->addWidget(m_type, 0, 0, 1, 2);
-    criteriaBox->addWidget(new QLabel(QStringLiteral("от:"), this), 1, 0);
+    // Alt and the underlined letter reach each field; the letters keep clear of the menu bar's.
+    const auto label = [this](const char* text, QWidget* buddy) {
+        auto* l = new QLabel(QString::fromUtf8(text), this);
+        l->setBuddy(buddy);
+        return l;
+    };
+    criteriaBox->addWidget(label("о&т:", m_from), 1, 0);
     criteriaBox->addWidget(m_from, 1, 1);
-    criteriaBox->addWidget(new QLabel(QStringLiteral("до:"), this), 2, 0);
+    criteriaBox->addWidget(label("д&о:", m_to), 2, 0);
     criteriaBox->addWidget(m_to, 2, 1);
-    criteriaBox->addWidget(new QLabel(QStringLiteral("филтриране по валута:"), this), 3, 0, 1, 2);
+    criteriaBox->addWidget(label("филтриране по &валута:", m_currency), 3, 0, 1, 2);
     criteriaBox->addWidget(m_currency, 4, 0, 1, 2);
     auto* paidBox = new QVBoxLayout;
     for (QRadioButton* radio : m_paid) {
@@ -126,6 +132,16 @@ FilterPanel::FilterPanel(CFinoraDoc& doc, Settings& settings, Prompter& prompter
     layout->addLayout(left);
     layout->addWidget(m_tree, 2);
     layout->addLayout(right, 1);
+
+    // The tab key follows the layout: the left column top to bottom, the tree, then the chosen
+    // categories and their controls. The paid radios are one stop; the arrows move among them.
+    m_selected->setFocusPolicy(Qt::StrongFocus);
+    QWidget* order[] = {m_type, m_from, m_to, m_currency, m_paid[0], m_paid[1], m_paid[2], reset, load, save,
+                        m_tree, m_selected, m_subcategories, m_remove, m_clear};
+    for (std::size_t i = 1; i < std::size(order); ++i) {
+        setTabOrder(order[i - 1], order[i]);
+    }
+    m_lastInTabOrder = m_clear;
 
     connect(m_type, &QComboBox::currentIndexChanged, this, [this] { changed(); });
     connect(m_currency, &QComboBox::currentIndexChanged, this, [this] { changed(); });

@@ -46,6 +46,9 @@ public:
     static constexpr const char* kNoCategoryCaption = "Липсва селекция";
     static constexpr const char* kFilterFileFilter = "Филтри на Finora (*.ffl);;Всички файлове (*.*)";
 
+    // The panel's last stop of the tab key, after which the list comes.
+    QWidget* lastInTabOrder() const { return m_lastInTabOrder; }
+
 private:
     void fillCategoryTree();
     void fillCurrencies();
@@ -73,6 +76,7 @@ private:
     QPushButton* m_clear;
     QComboBox* m_currency;
     QRadioButton* m_paid[3];
+    QWidget* m_lastInTabOrder = nullptr;
 };
 
 } // namespace finora

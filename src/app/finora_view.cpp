@@ -28,6 +28,8 @@ CFinoraView::CFinoraView(CFinoraDoc& doc, Settings& settings, Prompter& prompter
     m_table->setModel(&m_model);
     m_table->setSelectionBehavior(QAbstractItemView::SelectRows);
     m_table->setSelectionMode(QAbstractItemView::ExtendedSelection);
+    // Tab leaves the list, as it leaves any other field; the arrows move within it.
+    m_table->setTabKeyNavigation(false);
     m_table->setSortingEnabled(false);
     m_table->setWordWrap(false);
     m_table->verticalHeader()->hide();
@@ -54,6 +56,7 @@ CFinoraView::CFinoraView(CFinoraDoc& doc, Settings& settings, Prompter& prompter
     layout->addWidget(m_panel);
     layout->addWidget(m_table, 1);
     layout->addLayout(totals);
+    setTabOrder(m_panel->lastInTabOrder(), m_table);
     applyColumnVisibility();
 }
 

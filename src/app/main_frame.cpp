@@ -25,6 +25,7 @@
 
 #include <QAction>
 #include <map>
+#include <unordered_set>
 #include <sstream>
 #include <QCloseEvent>
 #include <QDragEnterEvent>
@@ -56,7 +57,13 @@ CMainFrame::CMainFrame(SettingsStore& store, Prompter& prompter, DocumentHost& h
     m_storage.setLockProgram(std::string(kDesktopProgram));
     m_storage.attach();
     createActions();
+    // The idle text whenever nothing else is said there.
     statusBar()->showMessage(QString::fromUtf8(kIdleText));
+    connect(statusBar(), &QStatusBar::messageChanged, this, [this](const QString& text) {
+        if (text.isEmpty()) {
+            statusBar()->showMessage(QString::fromUtf8(kIdleText));
+        }
+    });
     m_view->setOnListChanged([this] {
         updateCommands();
         updateTitle();
@@ -413,17 +420,40 @@ void CMainFrame::editOperation(OperationEditor::Opening opening)
         return;
     }
     for (;;) {
+        const std::int32_t lastIdBefore = m_doc.ledger().counters.nextOperationId;
         OperationDialog dialog(m_doc, m_settings, m_prompter, opening, this);
         if (dialog.exec() != QDialog::Accepted) {
             return;
         }
         m_view->refresh();
+        tellWhenHidden(lastIdBefore, opening.editedId);
         if (!dialog.editor().addAnother()) {
             return;
         }
         // Another new operation, in the category the first one was meant for.
         opening = {0, 0, opening.initialCategory};
     }
+}
+
+void CMainFrame::tellWhenHidden(std::int32_t lastIdBefore, std::int32_t editedId)
+{
+    // The records of the save: those it added (ids past the counter as it was) and the one it
+    // changed. Saved where the filter does not look, they would vanish without a word.
+    std::unordered_set<std::int32_t> saved;
+    for (std::int32_t id = lastIdBefore + 1; id > lastIdBefore && id <= m_doc.ledger().counters.nextOperationId; ++id) {
+        saved.insert(id);
+    }
+    if (editedId > 0) {
+        saved.insert(editedId);
+    }
+    const OperationsList& list = m_view->list();
+    for (std::size_t row = 0; row < list.rowCount(); ++row) {
+        if (saved.count(list.rowId(row))) {
+            return;
+        }
+    }
+    const std::size_t hidden = m_doc.operationCount() - list.rowCount();
+    statusBar()->showMessage(QString::fromUtf8(kSavedButHiddenText).arg(hidden).arg(m_doc.operationCount()), 20000);
 }
 
 void CMainFrame::editSelectedOperation()

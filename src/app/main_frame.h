@@ -54,6 +54,9 @@ public:
     static Message aboutMessage();
 
     static constexpr const char* kIdleText = "Finora е в състояние на готовност ...";
+    // After a save the filter hides: how many of all the operations it hides.
+    static constexpr const char* kSavedButHiddenText =
+        "Записаната операция не се вижда в списъка: филтърът скрива %1 от %2 операции.";
     // The title's name of a ledger that has never been saved.
     static constexpr const char* kUntitledName = "Без име";
 
@@ -73,6 +76,7 @@ private:
     // The operation editor, again and again while the user asks for another one.
     void editOperation(OperationEditor::Opening opening);
     void editSelectedOperation();
+    void tellWhenHidden(std::int32_t lastIdBefore, std::int32_t editedId);
     // Dialogs that change categories or currencies: the panel shows the new ones afterwards.
     template <class Dialog>
     void runLedgerDialog(Dialog& dialog);

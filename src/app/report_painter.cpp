@@ -53,7 +53,7 @@ int alignment(const ReportItem& item)
 } // namespace
 
 int paintReport(QPagedPaintDevice& device, const OperationsList& list, const ReportContext& context,
-                const Settings& settings, bool selectionOnly)
+                const Settings& settings, bool selectionOnly, const ReportProgress& progress)
 {
     const QPageLayout layout = device.pageLayout();
     const bool landscape = layout.orientation() == QPageLayout::Landscape;
@@ -76,10 +76,15 @@ int paintReport(QPagedPaintDevice& device, const OperationsList& list, const Rep
     QPen pen(Qt::black);
     pen.setWidthF(2 * map.scale()); // 0.2 mm
     painter.setPen(pen);
+    int painted = 0;
     for (int number = 1; number <= plan.maxPage; ++number) {
+        if (progress && !progress(number, plan.maxPage)) {
+            break;
+        }
         if (number > 1) {
             device.newPage();
         }
+        painted = number;
         for (const ReportItem& item : layoutReportPage(list, context, settings, plan, page, number)) {
             const QRectF r = map.rect(item.rect);
             switch (item.kind) {
@@ -105,7 +110,7 @@ int paintReport(QPagedPaintDevice& device, const OperationsList& list, const Rep
         }
     }
     painter.end();
-    return plan.maxPage;
+    return painted;
 }
 
 } // namespace finora

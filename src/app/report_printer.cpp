@@ -2,9 +2,11 @@
 
 #include "app/report_painter.h"
 
+#include <QGuiApplication>
 #include <QPageSetupDialog>
 #include <QPrintDialog>
 #include <QPrintPreviewDialog>
+#include <QProgressDialog>
 
 namespace finora {
 
@@ -18,12 +20,37 @@ int ReportPrinter::paint(QPrinter& printer, bool selectionOnly) const
     return paintReport(printer, m_list, reportContext(m_doc, m_list), m_settings, selectionOnly);
 }
 
+int ReportPrinter::paintShowingProgress(QPrinter& printer, bool selectionOnly, QWidget* parent) const
+{
+    // A report of a hundred thousand rows is two thousand pages: the user sees how far it has
+    // come and may stop it, and the window is not frozen meanwhile.
+    QProgressDialog progress(QString::fromUtf8(kPreparingText), QStringLiteral("Отказ"), 0, 1, parent);
+    progress.setObjectName(QStringLiteral("reportProgress"));
+    progress.setWindowTitle(QStringLiteral("Справка"));
+    progress.setWindowModality(Qt::WindowModal);
+    progress.setMinimumDuration(kProgressAfterMs);
+    QGuiApplication::setOverrideCursor(Qt::WaitCursor);
+    const int pages = paintReport(printer, m_list, reportContext(m_doc, m_list), m_settings, selectionOnly,
+                                  [&progress](int page, int count) {
+                                      progress.setMaximum(count);
+                                      progress.setLabelText(QString::fromUtf8(kPreparingText) +
+                                                            QStringLiteral("\nстраница %1 от %2").arg(page).arg(count));
+                                      progress.setValue(page - 1);
+                                      return !progress.wasCanceled();
+                                  });
+    QGuiApplication::restoreOverrideCursor();
+    return pages;
+}
+
 void ReportPrinter::print(QWidget* parent)
 {
     QPrintDialog dialog(m_printer.get(), parent);
     dialog.setOption(QAbstractPrintDialog::PrintSelection, m_list.selectedCount() > 0);
     if (dialog.exec() == QDialog::Accepted) {
-        paint(*m_printer, m_printer->printRange() == QPrinter::Selection);
+        const int painted = paintShowingProgress(*m_printer, m_printer->printRange() == QPrinter::Selection, parent);
+        if (painted == 0 || m_printer->printerState() == QPrinter::Error) {
+            m_printer->abort(); // a stopped job is not half printed
+        }
     }
 }
 
@@ -32,7 +59,7 @@ void ReportPrinter::preview(QWidget* parent)
     QPrintPreviewDialog dialog(m_printer.get(), parent);
     dialog.setWindowTitle(QStringLiteral("Предпечатен изглед на справката"));
     QObject::connect(&dialog, &QPrintPreviewDialog::paintRequested, &dialog,
-                     [this](QPrinter* printer) { paint(*printer, false); });
+                     [this, &dialog](QPrinter* printer) { paintShowingProgress(*printer, false, &dialog); });
     dialog.resize(900, 700);
     dialog.exec();
 }

@@ -17,6 +17,9 @@ namespace finora {
 // the core; this only maps its 0.1 mm units onto the printer and paints.
 class ReportPrinter {
 public:
+    static constexpr const char* kPreparingText = "Подготовка на справката ...";
+    static constexpr int kProgressAfterMs = 500;
+
     ReportPrinter(const CFinoraDoc& doc, const OperationsList& list, const Settings& settings);
 
     // "&Печат ...": the print dialog, with the choice of printing the selection.
@@ -33,6 +36,8 @@ public:
 
     // Paints every page on `printer`; the number of pages painted.
     int paint(QPrinter& printer, bool selectionOnly) const;
+    // The same, with a progress dialog that can stop it and a busy cursor while it works.
+    int paintShowingProgress(QPrinter& printer, bool selectionOnly, QWidget* parent) const;
 
 private:
     const CFinoraDoc& m_doc;

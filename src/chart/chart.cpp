@@ -25,6 +25,9 @@ AxisScale axisScale(int minimum, int maximum, int requested)
             break;
         }
     }
+    // The values are whole numbers and so are their labels: a step below 1 would write one
+    // label several times ("0 0 0 1 1 1" for a year without data).
+    s.step = std::max(s.step, 1.0);
     s.maximum = s.minimum + std::ceil(span / s.step - 1e-9) * s.step;
     return s;
 }

@@ -40,6 +40,17 @@ TEST(Chart, TheAxisTakesRoundStepsAndWidensAnEmptyRange)
     EXPECT_EQ(axisScale(0, 0, 50).maximum, 1);
     EXPECT_EQ(axisScale(10, 3, 5).maximum, 11);
     EXPECT_GT(axisScale(0, 0, 50).step, 0);
+    // Whole numbers on the axis: a small range never writes one label twice.
+    for (const auto& [low, high] : {std::pair{0, 0}, std::pair{0, 1}, std::pair{0, 7}, std::pair{-3, 3}}) {
+        const AxisScale small = axisScale(low, high, 50);
+        QStringList labels;
+        for (double v = small.minimum; v <= small.maximum + 1e-9; v += small.step) {
+            labels << QString::number(std::llround(v));
+        }
+        labels.removeDuplicates();
+        EXPECT_EQ(labels.size(), static_cast<int>(std::lround((small.maximum - small.minimum) / small.step)) + 1)
+            << low << ".." << high;
+    }
 }
 
 TEST(Chart, BarsInTheSeriesColoursAndNothingForAnUnknownType)
