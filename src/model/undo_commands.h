@@ -3,9 +3,13 @@
 #include "model/finora_doc.h"
 #include "model/prompter.h"
 
+#include <cstddef>
 #include <string>
 
 namespace finora {
+
+// How many commands the desktop program can take back.
+inline constexpr std::size_t kUndoSteps = 100;
 
 // "&Отмени" and "&Възстанови": refused with the lock message while the ledger is locked, like
 // every other change. True when the ledger changed and the views must be refilled.
