@@ -120,13 +120,9 @@ private:
 
     static void putBack(List& list, Run& run)
     {
-        std::vector<typename List::Taken> records;
-        records.reserve(run.values.size());
-        for (std::size_t i = 0; i < run.values.size(); ++i) {
-            records.push_back({run.keys[i], std::move(run.values[i])});
-        }
-        std::vector<T>().swap(run.values);
-        list.restore(std::move(records));
+        std::vector<T> values;
+        values.swap(run.values);
+        list.restore(run.keys, std::move(values));
     }
 
     std::vector<Run> m_runs;

@@ -193,38 +193,35 @@ public:
     // Puts records back at the places their keys name, in any order; no key may be in the list.
     // Where their holes are still there (or the keys lie past the end) that costs a step per
     // record; otherwise the list is rebuilt once, merging them in.
-    void restore(std::vector<Taken> records)
+    void restore(const std::vector<Key>& keys, std::vector<T> values)
     {
-        std::sort(records.begin(), records.end(),
-                  [](const Taken& a, const Taken& b) { return a.key < b.key; });
+        const std::vector<std::size_t> order = ascending(keys);
         std::vector<std::size_t> places;
-        places.reserve(records.size());
+        places.reserve(order.size());
         std::size_t from = 0;
-        for (const Taken& r : records) {
-            from = lowerBound(r.key, from);
-            const bool hole = from < m_keys.size() && m_keys[from] == r.key && m_links[from] == kRemoved;
+        for (const std::size_t i : order) {
+            from = lowerBound(keys[i], from);
+            const bool hole = from < m_keys.size() && m_keys[from] == keys[i] && m_links[from] == kRemoved;
             if (from < m_keys.size() && !hole) {
-                mergeIn(std::move(records));
+                mergeIn(keys, values, order);
                 return;
             }
             places.push_back(from);
         }
         const std::size_t end = m_keys.size();
-        for (std::size_t i = 0; i < records.size(); ++i) {
-            Taken& r = records[i];
-            if (places[i] >= end) {
-                pushBack(r.key, std::move(r.value));
+        for (std::size_t n = 0; n < order.size(); ++n) {
+            const std::size_t i = order[n];
+            if (places[n] >= end) {
+                pushBack(keys[i], std::move(values[i]));
                 continue;
             }
-            const std::size_t slot = places[i];
-            const std::int32_t id = r.value.id();
-            m_records[slot] = std::move(r.value);
+            const std::size_t slot = places[n];
+            const std::int32_t id = values[i].id();
+            m_records[slot] = std::move(values[i]);
             m_links[slot] = kNoNext;
             linkInOrder(id, slot);
             ++m_size;
-        }
-        if (!records.empty()) {
-            m_nextKey = std::max(m_nextKey, records.back().key + 1);
+            m_nextKey = std::max(m_nextKey, keys[i] + 1);
         }
     }
 
@@ -355,34 +352,54 @@ private:
         }
     }
 
-    // The live records and `records` (sorted by key) merged into a list without holes.
-    void mergeIn(std::vector<Taken> records)
+    // The positions of `keys` in ascending order of key. The records of one command come in
+    // list order or against it, so the records themselves are never sorted, only looked up.
+    static std::vector<std::size_t> ascending(const std::vector<Key>& keys)
+    {
+        std::vector<std::size_t> order(keys.size());
+        for (std::size_t i = 0; i < order.size(); ++i) {
+            order[i] = i;
+        }
+        if (std::is_sorted(keys.rbegin(), keys.rend())) {
+            std::reverse(order.begin(), order.end());
+        } else if (!std::is_sorted(keys.begin(), keys.end())) {
+            std::sort(order.begin(), order.end(), [&](std::size_t a, std::size_t b) { return keys[a] < keys[b]; });
+        }
+        return order;
+    }
+
+    // The live records and the records given, in the order of their keys, become a list without
+    // holes.
+    void mergeIn(const std::vector<Key>& keys, std::vector<T>& values, const std::vector<std::size_t>& order)
     {
         std::vector<T> merged;
-        std::vector<Key> keys;
-        merged.reserve(m_size + records.size());
-        keys.reserve(m_size + records.size());
-        auto next = records.begin();
+        std::vector<Key> mergedKeys;
+        merged.reserve(m_size + values.size());
+        mergedKeys.reserve(m_size + values.size());
+        auto next = order.begin();
+        const auto takeGiven = [&] {
+            merged.push_back(std::move(values[*next]));
+            mergedKeys.push_back(keys[*next]);
+            ++next;
+        };
         for (std::size_t pos = 0; pos < m_records.size(); ++pos) {
             if (m_links[pos] == kRemoved) {
                 continue;
             }
-            for (; next != records.end() && next->key < m_keys[pos]; ++next) {
-                merged.push_back(std::move(next->value));
-                keys.push_back(next->key);
+            while (next != order.end() && keys[*next] < m_keys[pos]) {
+                takeGiven();
             }
             merged.push_back(std::move(m_records[pos]));
-            keys.push_back(m_keys[pos]);
+            mergedKeys.push_back(m_keys[pos]);
         }
-        for (; next != records.end(); ++next) {
-            merged.push_back(std::move(next->value));
-            keys.push_back(next->key);
+        while (next != order.end()) {
+            takeGiven();
         }
-        if (!keys.empty()) {
-            m_nextKey = std::max(m_nextKey, keys.back() + 1);
+        if (!mergedKeys.empty()) {
+            m_nextKey = std::max(m_nextKey, mergedKeys.back() + 1);
         }
         m_records = std::move(merged);
-        m_keys = std::move(keys);
+        m_keys = std::move(mergedKeys);
         relinkAll();
     }
 

@@ -8,6 +8,7 @@
 #include "storage/file_io.h"
 #include "storage/ledger_format.h"
 #include "support/dialog_driver.h"
+#include "support/file_bytes.h"
 #include "support/scripted_host.h"
 #include "support/user.h"
 
@@ -24,13 +25,6 @@ using namespace finora;
 using namespace finora::test;
 
 namespace {
-
-std::string bytesOf(const QString& path)
-{
-    std::string bytes;
-    readWholeFile(path.toStdString(), bytes);
-    return bytes;
-}
 
 class UndoGuiTest : public ::testing::Test {
 protected:

@@ -202,10 +202,14 @@ TEST(RecordList, RecordsTakenOutGoBackToTheirPlacesInAnyOrder)
         std::shuffle(out.begin(), out.end(), rng);
         while (!out.empty()) {
             const std::size_t n = 1 + rng() % out.size();
-            std::vector<RecordList<Category>::Taken> batch(std::make_move_iterator(out.end() - static_cast<std::ptrdiff_t>(n)),
-                                                            std::make_move_iterator(out.end()));
+            std::vector<std::uint64_t> keys;
+            std::vector<Category> values;
+            for (std::size_t i = out.size() - n; i < out.size(); ++i) {
+                keys.push_back(out[i].key);
+                values.push_back(out[i].value);
+            }
             out.resize(out.size() - n);
-            list.restore(std::move(batch));
+            list.restore(keys, std::move(values));
             expectSameAs(list, expected());
         }
     }
@@ -232,7 +236,7 @@ TEST(RecordList, ARecordIsFoundAndTakenByItsPlaceAmongRecordsOfTheSameId)
     ASSERT_TRUE(list.takeByKey(1, third));
     EXPECT_TRUE(list.removeFirst(1));
     EXPECT_EQ(list.find(1), nullptr);
-    list.restore({std::move(*taken)});
+    list.restore({taken->key}, {taken->value});
     EXPECT_EQ(list.find(1)->name(), "b");
     EXPECT_EQ(names(list), (std::vector<std::string>{"b", "d"}));
 }
@@ -246,7 +250,8 @@ TEST(RecordList, UndoingAppendsLeavesNoHolesAndTheSameKeysComeBack)
     auto takenC = list.takeByKey(3, c);
     auto takenB = list.takeByKey(2, b);
     ASSERT_TRUE(takenB && takenC);
-    list.restore({std::move(*takenB), std::move(*takenC)});
+    // Against list order, as a delete of the shown rows takes them.
+    list.restore({takenC->key, takenB->key}, {takenC->value, takenB->value});
     EXPECT_EQ(names(list), (std::vector<std::string>{"a", "b", "c"}));
     EXPECT_EQ(list.keyOf(*list.find(3)), c);
     // A record appended now goes after them, whatever was taken and put back before.
