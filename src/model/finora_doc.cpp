@@ -448,7 +448,7 @@ CFinoraDoc::ChangeBatch::ChangeBatch(CFinoraDoc& doc, std::string label)
 
 void CFinoraDoc::ChangeBatch::setLabel(std::string label)
 {
-    if (m_outermost) {
+    if (m_outermost && m_doc.recording()) {
         m_doc.m_step.label = std::move(label);
     }
 }
