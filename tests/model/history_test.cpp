@@ -42,11 +42,13 @@ void expectLookupsAsScans(const RecordList<T>& list)
     }
 }
 
+const DateTime kStart = DateTime::fromParts(2026, 11, 2, 9);
+
 // A desk with the document and what the commands of the main window and the editors use, and
 // one random command of every kind that changes a ledger.
 class Desk {
 public:
-    Desk(Ledger ledger, std::uint64_t seed) : m_rng(seed)
+    explicit Desk(Ledger ledger)
     {
         m_doc.replaceLedger(std::move(ledger));
         m_doc.setHistoryLimit(100000);
@@ -57,18 +59,16 @@ public:
     RecordingPrompter& prompter() { return m_prompter; }
     std::string bytes() const { return serializeLedger(m_doc.ledger()); }
 
-    // One command, chosen at random; each is at most one step.
-    void randomCommand()
+    // One command, chosen by `seed`, run at `now`; each is at most one step. The same seed and
+    // time on the same ledger run the same command.
+    void randomCommand(std::uint64_t seed, DateTime now)
     {
-        m_clock.set(DateTime(m_clock.now().days() + 1.0 / 86400.0, DateTime::Valid));
+        m_rng.seed(seed);
+        m_clock.set(now);
         m_prompter.clear();
         if (m_doc.isLocked()) {
-            // Nothing may change while locked: refused, and then unlocked for the run to go on.
-            const std::size_t steps = m_doc.history().undoCount();
-            EXPECT_FALSE(m_list.deleteAll());
-            EXPECT_EQ(m_doc.history().undoCount(), steps);
-            temporaryUnlockCommand(m_doc, m_prompter, [this](bool) { return std::optional(m_password); });
-            return;
+            // A protection done again locks at once; the user unlocks it for the session first.
+            ASSERT_TRUE(temporaryUnlockCommand(m_doc, m_prompter, [this](bool) { return std::optional(m_password); }));
         }
         switch (m_rng() % 13) {
         case 0:
@@ -257,12 +257,22 @@ private:
 
     void protectionCommand()
     {
-        m_password = m_doc.lockText().empty() ? word() : m_password;
-        permanentProtectionCommand(m_doc, m_prompter, [this](bool) { return std::optional(m_password); });
+        const bool setting = m_doc.lockText().empty();
+        m_password = setting ? word() : m_password;
+        const auto password = [this](bool) { return std::optional(m_password); };
+        permanentProtectionCommand(m_doc, m_prompter, password);
+        if (setting) {
+            // Nothing changes while locked, and no step is made; then the session unlocks it.
+            const std::size_t steps = m_doc.history().undoCount();
+            EXPECT_FALSE(m_list.deleteAll());
+            EXPECT_FALSE(undoCommand(m_doc, m_prompter));
+            EXPECT_EQ(m_doc.history().undoCount(), steps);
+            temporaryUnlockCommand(m_doc, m_prompter, password);
+        }
     }
 
     std::mt19937_64 m_rng;
-    FixedClock m_clock{DateTime::fromParts(2026, 11, 2, 9)};
+    FixedClock m_clock{kStart};
     CFinoraDoc m_doc{m_clock};
     MemorySettingsStore m_store;
     Settings m_settings{m_store};
@@ -299,18 +309,25 @@ Ledger ledgerWithRepeatedIds(std::uint64_t seed)
                                          << expected.size() << " expected at byte " << (at.first - actual.begin());
 }
 
+// The time of the i-th command: a second apart, so every step stamps its own.
+DateTime at(int i)
+{
+    return DateTime(kStart.days() + (i + 1) / 86400.0, DateTime::Valid);
+}
+
 class HistoryProperty : public ::testing::TestWithParam<std::uint64_t> {};
 
 } // namespace
 
 TEST_P(HistoryProperty, UndoAllGivesTheOriginalBytesRedoAllTheLastAndEveryStepItsOwn)
 {
-    Desk desk(ledgerWithRepeatedIds(GetParam()), GetParam());
+    Desk desk(ledgerWithRepeatedIds(GetParam()));
     CFinoraDoc& doc = desk.doc();
+    std::mt19937_64 rng(GetParam());
     std::vector<std::string> states{desk.bytes()};
     for (int i = 0; i < 250; ++i) {
         const std::size_t before = doc.history().undoCount();
-        desk.randomCommand();
+        desk.randomCommand(rng(), at(i));
         const std::size_t after = doc.history().undoCount();
         // A command is one step or, refused or changing nothing, none.
         if (after == before) {
@@ -340,15 +357,21 @@ TEST_P(HistoryProperty, UndoAllGivesTheOriginalBytesRedoAllTheLastAndEveryStepIt
     expectLookupsAsScans(doc.ledger().currencies);
 }
 
-TEST_P(HistoryProperty, UndoRedoAndNewCommandsInterleavedFollowAReferenceReplay)
+TEST_P(HistoryProperty, UndoRedoAndNewCommandsInterleavedAgreeWithAReplayOfTheCommandsThatStand)
 {
-    // The reference is the ledger's bytes after each command as it was first run, and the place
-    // in that line that undo and redo have reached; a new command cuts the line there.
-    Desk desk(ledgerWithRepeatedIds(GetParam() + 100), GetParam());
+    // The line of commands that stand: a new command cuts it where undo and redo have reached.
+    // Each is kept with its seed and time, and the ledger's bytes after it.
+    struct Command {
+        std::uint64_t seed;
+        DateTime now;
+        std::string bytes;
+    };
+    const Ledger original = ledgerWithRepeatedIds(GetParam() + 100);
+    Desk desk{Ledger(original)};
     CFinoraDoc& doc = desk.doc();
-    std::vector<std::string> line{desk.bytes()};
+    std::vector<Command> line{{0, kStart, desk.bytes()}};
     std::size_t at = 0;
-    std::mt19937 rng(static_cast<unsigned>(GetParam()));
+    std::mt19937_64 rng(GetParam());
     for (int i = 0; i < 500; ++i) {
         switch (rng() % 3) {
         case 0:
@@ -361,23 +384,34 @@ TEST_P(HistoryProperty, UndoRedoAndNewCommandsInterleavedFollowAReferenceReplay)
             break;
         default: {
             const std::size_t before = doc.history().undoCount();
-            desk.randomCommand();
+            const Command command{rng(), ::at(i), {}};
+            desk.randomCommand(command.seed, command.now);
             if (doc.history().undoCount() != before) {
                 line.resize(at + 1);
-                line.push_back(desk.bytes());
+                line.push_back(command);
+                line.back().bytes = desk.bytes();
                 ++at;
                 ASSERT_FALSE(doc.history().canRedo()) << "a new step keeps the steps undone before it";
             }
         }
         }
         ASSERT_EQ(doc.history().undoCount(), at);
-        ASSERT_TRUE(sameBytes(desk.bytes(), line[at])) << "after action " << i;
+        ASSERT_TRUE(sameBytes(desk.bytes(), line[at].bytes)) << "after action " << i;
         if (i % 50 == 0) {
             expectLookupsAsScans(doc.ledger().operations);
             expectLookupsAsScans(doc.ledger().categories);
             expectLookupsAsScans(doc.ledger().currencies);
         }
     }
+
+    // The same commands on a document that never took anything back reach the same bytes.
+    Desk replay{Ledger(original)};
+    for (std::size_t n = 1; n <= at; ++n) {
+        replay.randomCommand(line[n].seed, line[n].now);
+        ASSERT_TRUE(sameBytes(replay.bytes(), line[n].bytes)) << "replay of command " << n;
+    }
+    EXPECT_TRUE(sameBytes(replay.bytes(), desk.bytes()));
+    EXPECT_GT(at, 20u);
 }
 
 INSTANTIATE_TEST_SUITE_P(Seeds, HistoryProperty, ::testing::Values(1u, 2u, 3u));
