@@ -2,6 +2,7 @@
 #include "demo/ledger_generator.h"
 #include "model/finora_doc.h"
 #include "model/recording_prompter.h"
+#include "model/undo_commands.h"
 #include "query/operations_list.h"
 #include "reports/currency_cash.h"
 #include "reports/yearly_summary.h"
@@ -316,11 +317,14 @@ void BM_ImportIntoACopyOfItself(benchmark::State& state)
     }
 }
 
-void BM_DeleteEveryShownRow(benchmark::State& state)
+// `steps` 0 measures the delete alone; otherwise the history keeps the step, as in the desktop
+// program, which costs a move of each record into it.
+void deleteEveryShownRow(benchmark::State& state, std::size_t steps)
 {
     for (auto _ : state) {
         state.PauseTiming();
         auto w = std::make_unique<Window>(state.range(0));
+        w->doc.setHistoryLimit(steps);
         w->list.refresh();
         state.ResumeTiming();
         w->list.deleteShown();
@@ -329,6 +333,78 @@ void BM_DeleteEveryShownRow(benchmark::State& state)
         w.reset();
         state.ResumeTiming();
     }
+}
+
+void BM_DeleteEveryShownRow(benchmark::State& state)
+{
+    deleteEveryShownRow(state, 0);
+}
+
+void BM_DeleteEveryShownRowKeepingTheStep(benchmark::State& state)
+{
+    deleteEveryShownRow(state, kUndoSteps);
+}
+
+// Deletes `rows` rows spread evenly over a ledger of `operations` with one command, as a filter
+// that shows every tenth (or hundredth) entry and "Изтрий всички визуализирани записи" would.
+// Gives the number of rows the list showed before.
+std::size_t deleteSpreadRows(Window& w, std::int64_t operations, std::int64_t rows)
+{
+    w.doc.setHistoryLimit(kUndoSteps);
+    w.list.refresh();
+    const std::size_t shown = w.list.rowCount();
+    const auto every = static_cast<std::size_t>(operations / rows);
+    for (std::size_t row = 0; row < shown; ++row) {
+        w.list.setSelected(row, row % every == 0);
+    }
+    w.list.deleteSelected();
+    return shown;
+}
+
+// What the user waits for after Ctrl+Z (or Ctrl+Y): the records put back (or taken out again)
+// and the list refilled.
+void undoOrRedoDelete(benchmark::State& state, bool redo)
+{
+    const std::int64_t operations = state.range(0);
+    const std::int64_t rows = state.range(1);
+    for (auto _ : state) {
+        state.PauseTiming();
+        auto w = std::make_unique<Window>(operations);
+        const std::size_t shown = deleteSpreadRows(*w, operations, rows);
+        const std::size_t left = w->list.rowCount();
+        if (redo) {
+            w->doc.undo();
+        }
+        releaseFreeMemory();
+        state.ResumeTiming();
+        redo ? w->doc.redo() : w->doc.undo();
+        w->list.refresh();
+        state.PauseTiming();
+        if (w->list.rowCount() != (redo ? left : shown)) {
+            state.SkipWithError("the rows are not what the command left");
+            break;
+        }
+        w.reset();
+        state.ResumeTiming();
+    }
+    state.counters["rows_deleted"] = static_cast<double>(rows);
+}
+
+void BM_UndoDeleteOfRows(benchmark::State& state)
+{
+    undoOrRedoDelete(state, false);
+}
+
+void BM_RedoDeleteOfRows(benchmark::State& state)
+{
+    undoOrRedoDelete(state, true);
+}
+
+void undoSizes(benchmark::internal::Benchmark* b)
+{
+    b->Args({100'000, 10'000})->Args({100'000, 100'000})->Args({1'000'000, 10'000})->Args({1'000'000, 100'000});
+    b->Args({1'000'000, 1'000'000}); // every row: the holes are gone, so the list is merged anew
+    b->ArgNames({"operations", "rows"})->Unit(benchmark::kMillisecond)->UseRealTime()->Iterations(3);
 }
 
 void sizes(benchmark::internal::Benchmark* b)
@@ -352,5 +428,8 @@ BENCHMARK(BM_CashSummaryOfEveryCurrency)->Apply(sizes);
 BENCHMARK(BM_YearlySummary)->Apply(sizes);
 BENCHMARK(BM_ImportIntoACopyOfItself)->Apply(sizes);
 BENCHMARK(BM_DeleteEveryShownRow)->Apply(sizes);
+BENCHMARK(BM_DeleteEveryShownRowKeepingTheStep)->Apply(sizes);
+BENCHMARK(BM_UndoDeleteOfRows)->Apply(undoSizes);
+BENCHMARK(BM_RedoDeleteOfRows)->Apply(undoSizes);
 
 BENCHMARK_MAIN();

@@ -15,6 +15,7 @@
 #include "editors/operation_dialog.h"
 #include "editors/print_widths_dialog.h"
 #include "model/number_text.h"
+#include "model/undo_commands.h"
 #include "editors/password_dialog.h"
 #include "editors/search_dialog.h"
 #include "lock/lock_commands.h"
@@ -55,6 +56,7 @@ CMainFrame::CMainFrame(SettingsStore& store, Prompter& prompter, DocumentHost& h
     setObjectName(QStringLiteral("mainFrame"));
     setCentralWidget(m_view);
     m_storage.setLockProgram(std::string(kDesktopProgram));
+    m_doc.setHistoryLimit(kUndoSteps);
     m_storage.attach();
     createActions();
     // The idle text whenever nothing else is said there.
@@ -117,6 +119,9 @@ void CMainFrame::createActions()
          }},
         {"file", nullptr, nullptr, {}, {}},
         {"file", "actionExit", "Из&ход", {}, [this] { close(); }},
+        {"edit", "actionUndo", "&Отмени", QKeySequence(Qt::CTRL | Qt::Key_Z), [this] { undoOrRedo(true); }},
+        {"edit", "actionRedo", "&Възстанови", QKeySequence(Qt::CTRL | Qt::Key_Y), [this] { undoOrRedo(false); }},
+        {"edit", nullptr, nullptr, {}, {}},
         {"edit", "actionRefresh", "&Опресни", QKeySequence(Qt::Key_F5), [this] { m_view->refresh(); }},
         {"edit", "actionSelectAll", "Маркирай всичк&и", QKeySequence(Qt::CTRL | Qt::Key_A),
          [this] {
@@ -279,6 +284,7 @@ void CMainFrame::createActions()
         connect(action, &QAction::triggered, this, c.run);
         menu->addAction(action);
     }
+    action("actionRedo")->setShortcuts({QKeySequence(Qt::CTRL | Qt::Key_Y), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Z)});
     for (const char* name : {"actionBackupFolder", "actionBackupBeside", "actionAutoSave", "actionAutoOpen", "actionShowToday", "actionSubcategories",
                              "actionSuggestNone", "actionSuggestLast", "actionSuggestAverage",
                              "actionAskForRate", "actionDblClickAdds", "actionDblClickFilters"}) {
@@ -307,6 +313,8 @@ void CMainFrame::createActions()
         {"actionPageSetup", "Избор на хартия и ориентация за печат"},
         {"actionPrintWidths", "Широчина на колоните в отпечатаната справка"},
         {"actionExit", "Затваря програмата"},
+        {"actionUndo", "Отменя последната промяна на документа"},
+        {"actionRedo", "Възстановява последната отменена промяна"},
         {"actionRefresh", "Опреснява списъка според избраните филтри"},
         {"actionAddRecord", "Добавя нова операция"},
         {"actionEditRecord", "Променя маркираната операция"},
@@ -336,6 +344,7 @@ void CMainFrame::createActions()
     file->insertMenu(action("actionImport"), m_recentMenu);
     connect(m_recentMenu, &QMenu::aboutToShow, this, [this] { fillRecentMenu(); });
     connect(settings, &QMenu::aboutToShow, this, [this] { updateCommands(); });
+    connect(edit, &QMenu::aboutToShow, this, [this] { updateCommands(); });
 
     // "Визуализирани полета": one toggle a column, and all of them back at once.
     QMenu* columns = settings->addMenu(QStringLiteral("Визуализирани полета"));
@@ -366,7 +375,8 @@ void CMainFrame::createActions()
     tools->setObjectName(QStringLiteral("toolbar"));
     const std::pair<const char*, QStyle::StandardPixmap> toolbar[] = {
         {"actionNew", QStyle::SP_FileIcon},          {"actionOpen", QStyle::SP_DialogOpenButton},
-        {"actionSave", QStyle::SP_DialogSaveButton}, {"actionRefresh", QStyle::SP_BrowserReload},
+        {"actionSave", QStyle::SP_DialogSaveButton}, {"actionUndo", QStyle::SP_ArrowBack},
+        {"actionRedo", QStyle::SP_ArrowForward},     {"actionRefresh", QStyle::SP_BrowserReload},
         {"actionSearch", QStyle::SP_FileDialogContentsView},
         {"actionDeleteSelected", QStyle::SP_TrashIcon},
     };
@@ -387,6 +397,16 @@ void CMainFrame::createActions()
 PasswordAsker CMainFrame::askPassword()
 {
     return [this](bool lockMode) { return PasswordDialog::ask(lockMode, m_prompter, this); };
+}
+
+void CMainFrame::undoOrRedo(bool undo)
+{
+    // The records have moved: the list shows blank rows until the refresh, as after a delete,
+    // should auto-save ask for a name in between.
+    if (undo ? undoCommand(m_doc, m_prompter) : redoCommand(m_doc, m_prompter)) {
+        m_view->filterPanel().showCriteria();
+        m_view->refresh();
+    }
 }
 
 void CMainFrame::search()
@@ -546,6 +566,10 @@ void CMainFrame::updateCommands()
     action("actionAskForRate")->setChecked(m_settings.value(IntSetting::AskForFixingSuggestion) == 1);
     action("actionDblClickAdds")->setChecked(m_settings.isOn(IntSetting::AddOnDblClick));
     action("actionDblClickFilters")->setChecked(m_settings.isOn(IntSetting::FilterOnDblClick));
+    action("actionUndo")->setText(QString::fromStdString(undoMenuText(m_doc)));
+    action("actionUndo")->setEnabled(m_doc.history().canUndo());
+    action("actionRedo")->setText(QString::fromStdString(redoMenuText(m_doc)));
+    action("actionRedo")->setEnabled(m_doc.history().canRedo());
     action("actionDeleteAll")->setEnabled(m_doc.operationCount() > 0);
     action("actionDeleteShown")->setEnabled(anyRow);
     action("actionSelectAll")->setEnabled(anyRow);

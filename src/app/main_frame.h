@@ -71,6 +71,8 @@ private:
     void updateCommands();
     void openWithDialog();
     void saveAs();
+    // "&Отмени" and "&Възстанови": the list and the filter panel follow the ledger.
+    void undoOrRedo(bool undo);
     void search();
     void filterByAmount();
     // The operation editor, again and again while the user asks for another one.

@@ -477,6 +477,9 @@ bool OperationEditor::save()
         m_prompter.askYesNo(kPendingChangeText, kPendingChangeCaption, MessageIcon::Warning) != Answer::Yes) {
         return false;
     }
+    // One operation is one change: with auto-save on, the file is written once, and one undo
+    // takes it back whole, the master id it drew included.
+    CFinoraDoc::ChangeBatch batch(m_doc, isNew() ? "нова операция" : "промяна на операция");
     if (m_masterId != 0 && m_rows.size() == 1) {
         m_masterId = 0;
     } else if (m_masterId == 0 && m_rows.size() > 1) {
@@ -484,8 +487,6 @@ bool OperationEditor::save()
     }
 
     const std::int32_t type = m_typeIndex + 1;
-    // One operation is one change: with auto-save on, the file is written once.
-    CFinoraDoc::ChangeBatch batch(m_doc);
     for (const RowTracking& t : m_tracking) {
         switch (t.state) {
         case RowState::StoredDeleted:

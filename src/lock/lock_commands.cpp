@@ -42,8 +42,11 @@ bool permanentProtectionCommand(CFinoraDoc& doc, Prompter& prompter, const Passw
         if (!password) {
             return false;
         }
-        doc.setLock(*password);
-        doc.setUnlocked(false); // locked at once
+        {
+            CFinoraDoc::ChangeBatch step(doc);
+            doc.setLock(*password);
+            doc.setUnlocked(false); // locked at once
+        }
         prompter.inform("Документът е заключен. Запишете го, за да съхраните защитата!", "Успех");
         return true;
     }

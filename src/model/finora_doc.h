@@ -1,6 +1,7 @@
 #pragma once
 
 #include "model/clock.h"
+#include "model/history.h"
 #include "model/ledger.h"
 
 #include <cstdint>
@@ -68,8 +69,19 @@ public:
     bool deleteOperation(std::int32_t id);
     void deleteAllOperations();
     bool markPaid(std::int32_t id);
-    // Hands out NextMasterId + 1; that alone does not mark the document modified.
+    // Hands out NextMasterId + 1; that alone does not mark the document modified. Call it within
+    // the batch of the command that uses the id, so that undoing the command takes it back.
     std::int32_t newMasterId();
+
+    // --- the history of changes, for undo and redo while the ledger is open
+    // Keeps the last `steps` commands; 0, the default, keeps none and records nothing.
+    void setHistoryLimit(std::size_t steps) { m_history.setLimit(steps); }
+    const History& history() const { return m_history; }
+    // Takes back the last command, or does again the last one taken back; false when there is
+    // none. Either is a change of its own: the document is marked modified and the handler told.
+    // The caller tests the lock.
+    bool undo();
+    bool redo();
 
     // --- document state
     bool isModified() const { return m_modified; }
@@ -91,9 +103,10 @@ public:
     // good (a change, so it is auto-saved). A wrong password changes nothing.
     bool checkLock(std::string_view password, LockCheck mode);
 
-    // Back to an empty ledger: no records, counters 0, no lock text. The unlocked flag stays.
+    // Back to an empty ledger: no records, counters 0, no lock text, no history. The unlocked
+    // flag stays.
     void clear();
-    // Takes a ledger read from a file; the document is not marked modified.
+    // Takes a ledger read from a file; the document is not marked modified and has no history.
     void replaceLedger(Ledger ledger);
 
     // Called after every successful change, once the document is marked modified.
@@ -101,20 +114,39 @@ public:
 
     // While one lives, changes are collected and the handler hears of them once, when the last
     // batch ends: deleting a thousand rows with auto-save on then writes the file once, not a
-    // thousand times. The file ends up the same.
+    // thousand times. The file ends up the same. The outermost batch is one step of the history,
+    // named by `label`; a change made outside any batch is a step of its own.
     class ChangeBatch {
     public:
-        explicit ChangeBatch(CFinoraDoc& doc) : m_doc(doc) { ++m_doc.m_batchDepth; }
+        explicit ChangeBatch(CFinoraDoc& doc, std::string label = {});
         ~ChangeBatch();
         ChangeBatch(const ChangeBatch&) = delete;
         ChangeBatch& operator=(const ChangeBatch&) = delete;
+        // Names the step when what it did is known only at the end (UTF-8). Ignored inside an
+        // outer batch, which names the step itself.
+        void setLabel(std::string label);
 
     private:
         CFinoraDoc& m_doc;
+        bool m_outermost;
     };
 
 private:
     void changed(ChangeKind kind = ChangeKind::Ordinary);
+    // True while a step is open and the history keeps steps.
+    bool recording() const { return m_batchDepth > 0 && m_history.limit() > 0; }
+    // Names the open step after its first change unless the command named it.
+    template <class MakeLabel>
+    void nameStep(MakeLabel makeLabel)
+    {
+        if (recording() && m_step.label.empty()) {
+            m_step.label = makeLabel();
+        }
+    }
+    void openStep();
+    void closeStep();
+    bool takeStep(bool undo);
+    void applyStep(HistoryStep& step, bool undo);
 
     const Clock& m_clock;
     Ledger m_ledger;
@@ -126,6 +158,11 @@ private:
     int m_batchDepth = 0;
     bool m_changePending = false;
     ChangeKind m_pendingKind = ChangeKind::Ordinary;
+    History m_history;
+    // The step being recorded, and the counters and lock as they were when it began.
+    HistoryStep m_step;
+    LedgerCounters m_stepCounters;
+    LockState m_stepLock;
 };
 
 } // namespace finora

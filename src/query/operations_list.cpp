@@ -323,9 +323,11 @@ void OperationsList::deleteRows(bool selectedOnly)
     }
     {
         CFinoraDoc::ChangeBatch batch(m_doc);
+        std::size_t deleted = 0;
         for (std::int32_t id : ids) {
-            m_doc.deleteOperation(id);
+            deleted += m_doc.deleteOperation(id) ? 1 : 0;
         }
+        batch.setLabel("изтриване на " + recordsText(deleted));
     }
     refresh();
 }
@@ -361,7 +363,7 @@ bool OperationsList::setSelectedPaid()
         }
     }
     {
-        CFinoraDoc::ChangeBatch batch(m_doc);
+        CFinoraDoc::ChangeBatch batch(m_doc, "отбелязване на " + recordsText(toMark.size()) + " като изплатени");
         for (const auto& [row, id] : toMark) {
             m_doc.markPaid(id);
             m_rows[row].paidShown = true;

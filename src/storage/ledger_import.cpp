@@ -261,6 +261,7 @@ ImportResult importLedger(CFinoraDoc& doc, std::string_view bytes, Prompter& pro
         ++result.added;
     }
 
+    batch.setLabel("импортиране на " + recordsText(static_cast<std::size_t>(result.added)));
     result.status = ImportResult::Status::Imported;
     result.message = result.skipped > 0 ? "Данните бяха импортирани успешно. Бяха пропуснати " +
                                               std::to_string(result.skipped) +

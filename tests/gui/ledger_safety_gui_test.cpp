@@ -9,6 +9,7 @@
 #include "settings/memory_settings_store.h"
 #include "storage/file_io.h"
 #include "storage/ledger_format.h"
+#include "support/file_bytes.h"
 #include "support/scripted_host.h"
 #include "support/user.h"
 
@@ -28,13 +29,6 @@ using namespace finora;
 using namespace finora::test;
 
 namespace {
-
-std::string bytesOf(const QString& path)
-{
-    std::string bytes;
-    readWholeFile(path.toStdString(), bytes);
-    return bytes;
-}
 
 class LedgerSafetyTest : public ::testing::Test {
 protected:

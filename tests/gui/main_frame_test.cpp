@@ -318,7 +318,7 @@ TEST_F(MainFrameTest, ToolbarAndACurrencyListThatFollowsTheLedger)
     ASSERT_TRUE(m_frame->openLedger(m_file));
     const auto* tools = m_frame->findChild<QToolBar*>(QStringLiteral("toolbar"));
     ASSERT_NE(tools, nullptr);
-    EXPECT_EQ(tools->actions().size(), 6);
+    EXPECT_EQ(tools->actions().size(), 8);
     EXPECT_TRUE(tools->actions().contains(m_frame->action("actionRefresh")));
 
     auto* currency = m_frame->findChild<QComboBox*>(QStringLiteral("currencyFilter"));

@@ -1,0 +1,250 @@
+// "&Отмени" and "&Възстанови" as a user meets them: keys and clicks on the real window, the file
+// on disk read back after each.
+#include "app/main_frame.h"
+#include "demo/ledger_generator.h"
+#include "lock/lock_guard.h"
+#include "model/recording_prompter.h"
+#include "settings/memory_settings_store.h"
+#include "storage/file_io.h"
+#include "storage/ledger_format.h"
+#include "support/dialog_driver.h"
+#include "support/file_bytes.h"
+#include "support/scripted_host.h"
+#include "support/user.h"
+
+#include <QComboBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QTableView>
+#include <QTemporaryDir>
+#include <QToolBar>
+#include <QTreeWidget>
+#include <gtest/gtest.h>
+
+using namespace finora;
+using namespace finora::test;
+
+namespace {
+
+class UndoGuiTest : public ::testing::Test {
+protected:
+    UndoGuiTest()
+    {
+        m_file = m_dir.filePath(QStringLiteral("дом.fnr"));
+        writeFile(m_file.toStdString(), serializeLedger(generateLedger(600, 12)));
+        m_original = bytesOf(m_file);
+        m_frame = std::make_unique<CMainFrame>(m_store, m_prompter, m_host, m_clock);
+        user::bringUp(m_frame.get());
+        m_host.openPaths = {m_file.toStdString()};
+        user::press(m_frame.get(), Qt::Key_O, Qt::ControlModifier);
+        EXPECT_EQ(m_frame->document().path(), m_file.toStdString());
+        m_prompter.clear();
+    }
+
+    QTableView* table() { return m_frame->view().table(); }
+    // Every cell the list shows, row by row.
+    QStringList shownCells()
+    {
+        QStringList cells;
+        const QAbstractItemModel* model = table()->model();
+        for (int r = 0; r < model->rowCount(); ++r) {
+            for (int c = 0; c < model->columnCount(); ++c) {
+                cells << model->index(r, c).data().toString();
+            }
+        }
+        return cells;
+    }
+    // The keys go where a user's would: to the list, after a click on its first row.
+    void pressInList(int key, Qt::KeyboardModifiers modifiers = Qt::ControlModifier)
+    {
+        user::bringUp(m_frame.get()); // back from whatever dialog came before
+        if (table()->model()->rowCount() > 0) {
+            QTest::mouseClick(table()->viewport(), Qt::LeftButton, {},
+                              table()->visualRect(table()->model()->index(0, 3)).center());
+        } else {
+            table()->setFocus();
+        }
+        user::press(m_frame.get(), key, modifiers);
+    }
+    QString shownText(const char* action) { return user::shown(m_frame->action(action)->text()); }
+    std::string ledgerBytes() { return serializeLedger(m_frame->document().ledger()); }
+
+    QTemporaryDir m_dir;
+    MemorySettingsStore m_store;
+    FixedClock m_clock{DateTime::fromParts(2026, 11, 3, 18)};
+    ScriptedHost m_host;
+    RecordingPrompter m_prompter{Answer::Yes};
+    user::DialogWatch m_watch;
+    QString m_file;
+    std::string m_original;
+    std::unique_ptr<CMainFrame> m_frame;
+};
+
+} // namespace
+
+TEST_F(UndoGuiTest, DeletedShownRowsComeBackInPlaceWithCtrlZAndGoAgainWithCtrlY)
+{
+    EXPECT_FALSE(m_frame->action("actionUndo")->isEnabled());
+    EXPECT_EQ(shownText("actionUndo"), QStringLiteral("Отмени"));
+    // Only the incomes are shown: the rows to delete lie between rows that stay.
+    auto* type = m_frame->findChild<QComboBox*>(QStringLiteral("typeFilter"));
+    ASSERT_NE(type, nullptr);
+    type->setFocus();
+    QTest::keyClick(type, Qt::Key_Down);
+    const QStringList before = shownCells();
+    const int rows = table()->model()->rowCount();
+    ASSERT_GT(rows, 10);
+    ASSERT_LT(static_cast<std::size_t>(rows), m_frame->document().operationCount());
+
+    user::chooseMenu(m_frame.get(), {QStringLiteral("Редакция"), QStringLiteral("Изтрий всички визуализирани записи")});
+    EXPECT_EQ(table()->model()->rowCount(), 0);
+    const std::string afterDelete = ledgerBytes();
+    const QString step = QStringLiteral("изтриване на %1 записа").arg(rows);
+    EXPECT_EQ(shownText("actionUndo"), QStringLiteral("Отмени: ") + step);
+    EXPECT_TRUE(m_frame->action("actionUndo")->isEnabled());
+    EXPECT_FALSE(m_frame->action("actionRedo")->isEnabled());
+
+    pressInList(Qt::Key_Z);
+    EXPECT_EQ(shownCells(), before);
+    EXPECT_EQ(ledgerBytes(), m_original);
+    EXPECT_TRUE(m_frame->isWindowModified());
+    EXPECT_EQ(shownText("actionRedo"), QStringLiteral("Възстанови: ") + step);
+    EXPECT_FALSE(m_frame->action("actionUndo")->isEnabled());
+
+    pressInList(Qt::Key_Y);
+    EXPECT_EQ(table()->model()->rowCount(), 0);
+    EXPECT_EQ(ledgerBytes(), afterDelete);
+    pressInList(Qt::Key_Z);
+    EXPECT_EQ(shownCells(), before);
+    pressInList(Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_EQ(table()->model()->rowCount(), 0);
+
+    // The same two commands stand on the toolbar.
+    auto* tools = m_frame->findChild<QToolBar*>(QStringLiteral("toolbar"));
+    ASSERT_NE(tools, nullptr);
+    QWidget* undoButton = tools->widgetForAction(m_frame->action("actionUndo"));
+    ASSERT_NE(undoButton, nullptr);
+    QTest::mouseClick(undoButton, Qt::LeftButton);
+    EXPECT_EQ(shownCells(), before);
+    EXPECT_TRUE(m_prompter.messages().size() == 1 &&
+                m_prompter.messages().front().text == OperationsList::kDeleteQuestion);
+}
+
+TEST_F(UndoGuiTest, AnOperationOfTwoPaymentsSavedInTheEditorGoesWithOneCtrlZ)
+{
+    const std::string before = ledgerBytes();
+    const std::size_t count = m_frame->document().operationCount();
+    {
+        user::ExpectDialog editor([](QDialog* d) {
+            user::bringUp(d);
+            auto* description = d->findChild<QLineEdit*>(QStringLiteral("description"));
+            description->setFocus();
+            typeKeys(description, QStringLiteral("Ремонт на покрива"));
+            {
+                user::ExpectDialog chooser([](QDialog* c) {
+                    user::bringUp(c);
+                    auto* tree = c->findChild<QTreeWidget*>(QStringLiteral("categoryTree"));
+                    const QRect item = tree->visualItemRect(tree->topLevelItem(0));
+                    // Press and release, then the second press that the system reports as a
+                    // double click, and its release.
+                    QTest::mouseClick(tree->viewport(), Qt::LeftButton, {}, item.center());
+                    QTest::mouseDClick(tree->viewport(), Qt::LeftButton, {}, item.center());
+                    QTest::mouseRelease(tree->viewport(), Qt::LeftButton, {}, item.center());
+                    user::click(user::button(c, QStringLiteral("избери")));
+                });
+                user::click(user::button(d, QStringLiteral("...")));
+            }
+            EXPECT_NE(d->findChild<QLabel*>(QStringLiteral("category"))->text(), QStringLiteral("изберете категория"));
+            user::bringUp(d);
+            for (const QString& amount : {QStringLiteral("300"), QStringLiteral("450")}) {
+                auto* field = d->findChild<QLineEdit*>(QStringLiteral("amount"));
+                field->setFocus();
+                QTest::keyClicks(field, amount);
+                user::click(user::button(d, QStringLiteral("добави/промени")));
+            }
+            user::click(user::button(d, QStringLiteral("съхрани")));
+        });
+        user::press(m_frame.get(), Qt::Key_F8);
+    }
+    ASSERT_EQ(m_frame->document().operationCount(), count + 2);
+    EXPECT_EQ(table()->model()->index(0, 3).data().toString(), QStringLiteral("Ремонт на покрива"));
+    EXPECT_EQ(shownText("actionUndo"), QStringLiteral("Отмени: нова операция"));
+
+    pressInList(Qt::Key_Z);
+    EXPECT_EQ(m_frame->document().operationCount(), count);
+    // The ids and the master id it drew are taken back with it.
+    EXPECT_EQ(ledgerBytes(), before);
+    EXPECT_NE(table()->model()->index(0, 3).data().toString(), QStringLiteral("Ремонт на покрива"));
+    EXPECT_FALSE(m_frame->action("actionUndo")->isEnabled());
+}
+
+TEST_F(UndoGuiTest, CtrlZIsRefusedWhileTheLedgerIsLocked)
+{
+    pressInList(Qt::Key_A);
+    user::chooseMenu(m_frame.get(), {QStringLiteral("Редакция"), QStringLiteral("Изтрий маркираните")});
+    ASSERT_EQ(m_frame->document().operationCount(), 0u);
+    {
+        user::ExpectDialog password([](QDialog* d) {
+            user::bringUp(d);
+            for (QLineEdit* field : d->findChildren<QLineEdit*>()) {
+                field->setFocus();
+                typeKeys(field, QStringLiteral("тайна"));
+            }
+            user::click(user::button(d, QStringLiteral("OK")));
+        });
+        user::chooseMenu(m_frame.get(), {QStringLiteral("Настройки"), QStringLiteral("Задаване на постоянна защита")});
+    }
+    ASSERT_TRUE(m_frame->document().isLocked());
+    EXPECT_EQ(shownText("actionUndo"), QStringLiteral("Отмени: задаване на защита с парола"));
+
+    m_prompter.clear();
+    pressInList(Qt::Key_Z);
+    ASSERT_EQ(m_prompter.messages().size(), 1u);
+    EXPECT_EQ(m_prompter.messages().front().text, kLockedText);
+    EXPECT_EQ(m_prompter.messages().front().caption, kLockedCaption);
+    EXPECT_TRUE(m_frame->document().isLocked());
+    EXPECT_EQ(m_frame->document().operationCount(), 0u);
+    EXPECT_EQ(m_frame->document().history().undoCount(), 2u);
+}
+
+TEST_F(UndoGuiTest, WithAutoSaveTheFileOnDiskFollowsEachUndoAndRedo)
+{
+    m_store.writeInt("Settings", "AutoSave", 1);
+    // Five rows chosen with the mouse, deleted from the menu: the file is written at once.
+    QTest::mouseClick(table()->viewport(), Qt::LeftButton, {}, table()->visualRect(table()->model()->index(2, 3)).center());
+    QTest::mouseClick(table()->viewport(), Qt::LeftButton, Qt::ShiftModifier,
+                      table()->visualRect(table()->model()->index(6, 3)).center());
+    user::chooseMenu(m_frame.get(), {QStringLiteral("Редакция"), QStringLiteral("Изтрий маркираните")});
+    const std::string deleted = bytesOf(m_file);
+    ASSERT_NE(deleted, m_original);
+    EXPECT_EQ(m_frame->document().operationCount(), 595u);
+
+    pressInList(Qt::Key_Z);
+    EXPECT_EQ(bytesOf(m_file), m_original);
+    EXPECT_FALSE(m_frame->isWindowModified());
+    pressInList(Qt::Key_Y);
+    EXPECT_EQ(bytesOf(m_file), deleted);
+    user::chooseMenu(m_frame.get(), {QStringLiteral("Редакция"), QStringLiteral("Отмени: изтриване на 5 записа")});
+    EXPECT_EQ(bytesOf(m_file), m_original);
+    EXPECT_FALSE(m_frame->isWindowModified());
+}
+
+TEST_F(UndoGuiTest, OpeningOrCreatingALedgerForgetsTheSteps)
+{
+    pressInList(Qt::Key_A);
+    user::chooseMenu(m_frame.get(), {QStringLiteral("Редакция"), QStringLiteral("Изтрий маркираните")});
+    EXPECT_TRUE(m_frame->action("actionUndo")->isEnabled());
+    // The save question is answered no; the new ledger has nothing to take back.
+    m_prompter.queue(Answer::No);
+    user::press(m_frame.get(), Qt::Key_N, Qt::ControlModifier);
+    EXPECT_EQ(m_frame->document().path(), "");
+    EXPECT_FALSE(m_frame->action("actionUndo")->isEnabled());
+    pressInList(Qt::Key_Z);
+    EXPECT_EQ(m_frame->document().operationCount(), 0u);
+    EXPECT_EQ(bytesOf(m_file), m_original);
+
+    m_host.openPaths = {m_file.toStdString()};
+    user::press(m_frame.get(), Qt::Key_O, Qt::ControlModifier);
+    EXPECT_FALSE(m_frame->action("actionUndo")->isEnabled());
+    EXPECT_FALSE(m_frame->action("actionRedo")->isEnabled());
+}
