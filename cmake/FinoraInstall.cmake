@@ -43,5 +43,5 @@ set(CPACK_DEBIAN_PACKAGE_SECTION utils)
 # The libraries the programs link, as dpkg-shlibdeps finds them; Qt's platform plugins, which
 # are opened at run time, come with libqt6gui6 on Debian.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
-set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "fonts-liberation2, xdg-utils")
+set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "fonts-liberation2, xdg-utils, qt6-translations-l10n")
 include(CPack)

@@ -1,6 +1,7 @@
 #include "app/filter_panel.h"
 
 #include "storage/filter_file.h"
+#include "editors/date_field.h"
 #include "editors/editor_widgets.h"
 #include "text/cp1251.h"
 
@@ -43,7 +44,7 @@ public:
 FilterPanel::FilterPanel(CFinoraDoc& doc, Settings& settings, Prompter& prompter,
                          FilterCriteria& criteria, QWidget* parent)
     : QWidget(parent), m_doc(doc), m_settings(settings), m_prompter(prompter), m_criteria(criteria),
-      m_type(new QComboBox(this)), m_from(new QDateEdit(this)), m_to(new QDateEdit(this)),
+      m_type(new QComboBox(this)), m_from(new DateField(this)), m_to(new DateField(this)),
       m_tree(new QTreeWidget(this)), m_selected(new QTreeWidget(this)),
       m_subcategories(new QCheckBox(QStringLiteral("включи и подкатегориите"), this)),
       m_remove(new QPushButton(QStringLiteral("премахни"), this)),
@@ -60,8 +61,6 @@ FilterPanel::FilterPanel(CFinoraDoc& doc, Settings& settings, Prompter& prompter
     }
     m_type->setObjectName(QStringLiteral("typeFilter"));
     for (QDateEdit* edit : {m_from, m_to}) {
-        edit->setCalendarPopup(true);
-        edit->setDisplayFormat(QStringLiteral("dd-MM-yyyy"));
         connect(edit, &QDateEdit::dateChanged, this, [this] { changed(); });
     }
     m_from->setObjectName(QStringLiteral("periodFrom"));

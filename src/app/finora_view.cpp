@@ -7,6 +7,7 @@
 #include <QHeaderView>
 #include <QItemSelectionModel>
 #include <QLabel>
+#include <QScrollArea>
 #include <QTableView>
 #include <QVBoxLayout>
 
@@ -53,7 +54,10 @@ CFinoraView::CFinoraView(CFinoraDoc& doc, Settings& settings, Prompter& prompter
     m_panel->setOnChanged([this] { refresh(); });
 
     auto* layout = new QVBoxLayout(this);
-    layout->addWidget(m_panel);
+    QScrollArea* panelArea = scrollWhenSmall(m_panel, this);
+    // No taller than the panel wants: the space left over is the list's.
+    panelArea->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Maximum);
+    layout->addWidget(panelArea);
     layout->addWidget(m_table, 1);
     layout->addLayout(totals);
     setTabOrder(m_panel->lastInTabOrder(), m_table);

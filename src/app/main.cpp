@@ -1,3 +1,4 @@
+#include "app/bulgarian_ui.h"
 #include "app/main_frame.h"
 #include "app/qt_document_host.h"
 #include "app/qt_prompter.h"
@@ -24,6 +25,7 @@ int main(int argc, char** argv)
         }
     }
     QApplication app(argc, argv);
+    finora::useBulgarian(app);
     // The desktop matches the window to its entry by this id; the icon theme has the icon once
     // installed, the program's own copy serves before that.
     QGuiApplication::setDesktopFileName(QStringLiteral(FINORA_APP_ID));

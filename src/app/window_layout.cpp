@@ -6,6 +6,7 @@
 #include <QEvent>
 #include <QGuiApplication>
 #include <QScreen>
+#include <QStyle>
 #include <QWidget>
 
 #include <string>
@@ -43,6 +44,13 @@ void setWindowLayoutStore(SettingsStore* store)
 
 void keepWindowGeometry(QWidget* window, const char* name)
 {
+    // A default size taller or wider than a small screen is cut to it, leaving room for the
+    // title bar; the window may still shrink to its minimum.
+    if (const QScreen* screen = window->screen()) {
+        const int titleBar = window->style()->pixelMetric(QStyle::PM_TitleBarHeight);
+        const QSize room = screen->availableSize() - QSize(0, titleBar);
+        window->resize(window->size().boundedTo(room).expandedTo(window->minimumSize()));
+    }
     if (!g_store) {
         return;
     }

@@ -6,6 +6,7 @@
 
 #include <QHeaderView>
 #include <QPushButton>
+#include <QScrollArea>
 #include <QTreeWidget>
 
 #include <algorithm>
@@ -108,6 +109,15 @@ QPushButton* makeHelpButton(QWidget* parent, const char* topic)
     QObject::connect(button, &QPushButton::clicked, button,
                      [parent, topic] { showHelp(parent, QString::fromLatin1(topic)); });
     return button;
+}
+
+QScrollArea* scrollWhenSmall(QWidget* content, QWidget* parent)
+{
+    auto* area = new QScrollArea(parent);
+    area->setFrameShape(QFrame::NoFrame);
+    area->setWidgetResizable(true);
+    area->setWidget(content);
+    return area;
 }
 
 } // namespace finora

@@ -13,6 +13,7 @@
 
 class QDialog;
 class QPushButton;
+class QScrollArea;
 class QTreeWidget;
 class QTreeWidgetItem;
 class QWidget;
@@ -43,6 +44,10 @@ struct ReportColumn {
     Qt::Alignment alignment = Qt::AlignLeft;
 };
 QTreeWidget* makeReportList(QWidget* parent, std::initializer_list<ReportColumn> columns);
+
+// `content` as it is where there is room, scrolled where there is not (a small screen, a large
+// scale): its minimum size no longer sets the window's.
+QScrollArea* scrollWhenSmall(QWidget* content, QWidget* parent);
 
 // "?": opens the dialog's help topic.
 QPushButton* makeHelpButton(QWidget* parent, const char* topic);

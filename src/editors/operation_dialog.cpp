@@ -2,6 +2,7 @@
 
 #include "app/window_layout.h"
 #include "editors/category_dialogs.h"
+#include "editors/date_field.h"
 #include "editors/editor_widgets.h"
 #include "editors/search_editor.h"
 
@@ -19,6 +20,7 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QScrollArea>
 #include <QTimer>
 #include <QTreeWidget>
 #include <QVBoxLayout>
@@ -63,7 +65,7 @@ void setTextKeepingCursor(QLineEdit* edit, const QString& text)
 OperationDialog::OperationDialog(CFinoraDoc& doc, Settings& settings, Prompter& prompter,
                                  OperationEditor::Opening opening, QWidget* parent)
     : QDialog(parent), m_doc(doc), m_prompter(prompter),
-      m_editor(doc, settings, prompter, doc.clock().now(), opening), m_date(new QDateEdit(this)),
+      m_editor(doc, settings, prompter, doc.clock().now(), opening), m_date(new DateField(this)),
       m_income(new QRadioButton(QStringLiteral("приход"), this)),
       m_expense(new QRadioButton(QStringLiteral("разход"), this)), m_description(new QLineEdit(this)),
       m_category(new QLabel(this)), m_notes(new QLineEdit(this)), m_amount(new QLineEdit(this)),
@@ -84,8 +86,6 @@ OperationDialog::OperationDialog(CFinoraDoc& doc, Settings& settings, Prompter& 
 {
     setWindowTitle(QString::fromUtf8(OperationEditor::kTitle));
     setObjectName(QStringLiteral("operationDialog"));
-    m_date->setCalendarPopup(true);
-    m_date->setDisplayFormat(QStringLiteral("dd-MM-yyyy"));
     m_date->setDate(toQDate(m_editor.date()));
     (m_editor.typeIndex() == 0 ? m_income : m_expense)->setChecked(true);
     auto* types = new QButtonGroup(this);
@@ -207,14 +207,19 @@ OperationDialog::OperationDialog(CFinoraDoc& doc, Settings& settings, Prompter& 
     buttons->addWidget(m_saveAndNew);
     buttons->addWidget(cancel);
 
+    // The fields scroll on a small screen; the buttons that end the dialog stay in sight.
+    auto* fields = new QWidget(this);
+    auto* fieldsLayout = new QVBoxLayout(fields);
+    fieldsLayout->setContentsMargins(0, 0, 0, 0);
+    fieldsLayout->addLayout(top);
+    fieldsLayout->addWidget(payment);
+    fieldsLayout->addWidget(m_list, 1);
+    fieldsLayout->addLayout(rowButtons);
     auto* layout = new QVBoxLayout(this);
-    layout->addLayout(top);
-    layout->addWidget(payment);
-    layout->addWidget(m_list, 1);
-    layout->addLayout(rowButtons);
+    layout->addWidget(scrollWhenSmall(fields, this), 1);
     layout->addLayout(buttons);
     setSizeGripEnabled(true);
-    setMinimumSize(560, 480);
+    setMinimumSize(480, 300);
     resize(640, 560);
     keepWindowGeometry(this, "operation");
 

@@ -1,3 +1,4 @@
+#include "app/bulgarian_ui.h"
 #include "support/user.h"
 
 #include <QApplication>
@@ -30,6 +31,7 @@ int main(int argc, char** argv)
 {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication app(argc, argv);
+    finora::useBulgarian(app); // as the program starts, so tests see what users see
     ::testing::InitGoogleTest(&argc, argv);
     ::testing::UnitTest::GetInstance()->listeners().Append(new ShotsOnFailure);
     finora::test::user::DialogWatch watch;

@@ -1,12 +1,6 @@
 // What a first-time user meets in the dialogs, tried with the keyboard and the mouse on the real
 // widgets: each test here failed on the code before its fix.
-#include "app/main_frame.h"
-#include "demo/ledger_generator.h"
-#include "model/recording_prompter.h"
-#include "settings/memory_settings_store.h"
-#include "storage/file_io.h"
-#include "storage/ledger_format.h"
-#include "support/scripted_host.h"
+#include "support/desktop_session.h"
 #include "support/user.h"
 #include "text/cp1251.h"
 
@@ -18,7 +12,6 @@
 #include <QLineEdit>
 #include <QRadioButton>
 #include <QTableView>
-#include <QTemporaryDir>
 #include <QTreeWidget>
 #include <gtest/gtest.h>
 
@@ -27,21 +20,9 @@ using namespace finora::test;
 
 namespace {
 
-class UserFlowTest : public ::testing::Test {
+class UserFlowTest : public DesktopSession {
 protected:
-    UserFlowTest()
-    {
-        m_file = m_dir.filePath(QStringLiteral("дом.fnr"));
-        writeFile(m_file.toStdString(), serializeLedger(generateLedger(500, 3)));
-        m_frame = std::make_unique<CMainFrame>(m_store, m_prompter, m_host, m_clock);
-        user::bringUp(m_frame.get());
-        m_host.openPaths = {m_file.toStdString()};
-        user::press(m_frame.get(), Qt::Key_O, Qt::ControlModifier);
-        EXPECT_EQ(m_frame->document().operationCount(), 500u);
-        // Every entry in view.
-        user::click(user::button(m_frame.get(), QStringLiteral("без филтър")));
-        m_prompter.clear();
-    }
+    UserFlowTest() { openGenerated(QStringLiteral("дом.fnr"), 500, 3); }
 
     QTableView* table() { return m_frame->view().table(); }
     QString cell(int row, int column) { return table()->model()->index(row, column).data().toString(); }
@@ -56,14 +37,6 @@ protected:
         return n;
     }
     const Message& lastMessage() const { return m_prompter.messages().back(); }
-
-    QTemporaryDir m_dir;
-    MemorySettingsStore m_store;
-    FixedClock m_clock{DateTime::fromParts(2026, 11, 1, 12)};
-    ScriptedHost m_host;
-    RecordingPrompter m_prompter{Answer::Yes};
-    QString m_file;
-    std::unique_ptr<CMainFrame> m_frame;
 };
 
 // Opens the drop-down with the mouse and clicks the item, as a user picks from a list. (Offscreen

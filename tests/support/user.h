@@ -52,6 +52,16 @@ inline void press(QWidget* window, int key, Qt::KeyboardModifiers modifiers = Qt
     QTest::keyClick(target, static_cast<Qt::Key>(key), modifiers);
 }
 
+// A letter key that QTest's own table does not know (Cyrillic), with the text it types; Alt and
+// the letter reach the field whose label underlines it.
+inline void pressLetter(QWidget* window, QChar letter, Qt::KeyboardModifiers modifiers = Qt::NoModifier)
+{
+    activate(window);
+    QWidget* target = window->focusWidget() ? window->focusWidget() : window;
+    const auto key = static_cast<Qt::Key>(letter.toUpper().unicode());
+    QTest::sendKeyEvent(QTest::Click, target, key, QString(letter), modifiers);
+}
+
 // What a menu or a button shows, without the accelerator's '&'.
 inline QString shown(QString text)
 {

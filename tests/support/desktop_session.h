@@ -1,0 +1,46 @@
+#pragma once
+
+// The desktop program as a test drives it: a main window over an in-memory settings store, a
+// scripted file chooser, a recording prompter and a fixed clock, with a generated ledger opened
+// by Ctrl+O and every entry in view.
+#include "app/main_frame.h"
+#include "demo/ledger_generator.h"
+#include "model/recording_prompter.h"
+#include "settings/memory_settings_store.h"
+#include "storage/file_io.h"
+#include "storage/ledger_format.h"
+#include "support/scripted_host.h"
+#include "support/user.h"
+
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+
+#include <memory>
+
+namespace finora::test {
+
+class DesktopSession : public ::testing::Test {
+protected:
+    void openGenerated(const QString& name, int operations, int seed)
+    {
+        m_file = m_dir.filePath(name);
+        writeFile(m_file.toStdString(), serializeLedger(generateLedger(operations, seed)));
+        m_frame = std::make_unique<CMainFrame>(m_store, m_prompter, m_host, m_clock);
+        user::bringUp(m_frame.get());
+        m_host.openPaths = {m_file.toStdString()};
+        user::press(m_frame.get(), Qt::Key_O, Qt::ControlModifier);
+        ASSERT_EQ(m_frame->document().operationCount(), static_cast<std::size_t>(operations));
+        user::click(user::button(m_frame.get(), QStringLiteral("без филтър")));
+        m_prompter.clear();
+    }
+
+    QTemporaryDir m_dir;
+    MemorySettingsStore m_store;
+    FixedClock m_clock{DateTime::fromParts(2026, 11, 1, 12)};
+    ScriptedHost m_host;
+    RecordingPrompter m_prompter{Answer::Yes};
+    QString m_file;
+    std::unique_ptr<CMainFrame> m_frame;
+};
+
+} // namespace finora::test
