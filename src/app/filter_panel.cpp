@@ -177,7 +177,12 @@ FilterPanel::FilterPanel(CFinoraDoc& doc, Settings& settings, Prompter& prompter
 
 void FilterPanel::fillCategoryTree()
 {
+    // The category the user picked stays picked while it exists.
+    const std::optional<std::int32_t> picked = treeCategory();
     finora::fillCategoryTree(m_tree, m_doc, SiblingOrder::Name);
+    if (QTreeWidgetItem* item = picked ? findCategoryItem(m_tree, *picked) : nullptr) {
+        m_tree->setCurrentItem(item);
+    }
 }
 
 void FilterPanel::fillCurrencies()
@@ -212,13 +217,18 @@ void FilterPanel::fillSelected()
 
 void FilterPanel::showCriteria()
 {
+    fillCategoryTree();
+    showValues();
+}
+
+void FilterPanel::showValues()
+{
     m_showing = true;
     m_type->setCurrentIndex(std::clamp(m_criteria.typeFilter, 0, 2));
     m_from->setDate(toQDate(m_criteria.from));
     m_to->setDate(toQDate(m_criteria.to));
     m_paid[std::clamp(m_criteria.paidState, 0, 2)]->setChecked(true);
     m_subcategories->setChecked(m_settings.isOn(IntSetting::ShowDataForSubCategories));
-    fillCategoryTree();
     fillCurrencies();
     fillSelected();
     m_showing = false;

@@ -31,6 +31,8 @@ public:
     void setOnChanged(std::function<void()> handler) { m_onChanged = std::move(handler); }
     // Shows the criteria and rebuilds the category tree and the currency list from the ledger.
     void showCriteria();
+    // Shows the criteria only: the tree and what is selected in it stay.
+    void showValues();
     // "Добави тази категория към списъка на избраните ..." (F2).
     void addTreeCategory();
     // The category selected in the tree, if any.

@@ -3,10 +3,12 @@
 #include "editors/editor_widgets.h"
 #include "text/cp1251.h"
 
+#include <QContextMenuEvent>
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QItemSelectionModel>
 #include <QLabel>
+#include <QMenu>
 #include <QScrollArea>
 #include <QTableView>
 #include <QVBoxLayout>
@@ -84,6 +86,15 @@ void CFinoraView::refresh()
         m_list.refresh();
         return true;
     });
+}
+
+void CFinoraView::contextMenuEvent(QContextMenuEvent* event)
+{
+    if (!m_contextMenu) {
+        event->ignore();
+        return;
+    }
+    m_contextMenu->exec(event->globalPos());
 }
 
 void CFinoraView::resetFilter()

@@ -9,6 +9,7 @@
 #include <functional>
 
 class QLabel;
+class QMenu;
 class QTableView;
 
 namespace finora {
@@ -40,6 +41,11 @@ public:
 
     // Told after every change of the rows, the selection or the totals.
     void setOnListChanged(std::function<void()> handler) { m_onListChanged = std::move(handler); }
+    // Opens at the mouse on a right click anywhere in the view that has no menu of its own.
+    void setContextMenu(QMenu* menu) { m_contextMenu = menu; }
+
+protected:
+    void contextMenuEvent(QContextMenuEvent* event) override;
 
 private:
     void listChanged()
@@ -58,6 +64,7 @@ private:
     OperationsTableModel m_model;
     FilterPanel* m_panel;
     QTableView* m_table;
+    QMenu* m_contextMenu = nullptr;
     QLabel* m_income;
     QLabel* m_expense;
     QLabel* m_balance;

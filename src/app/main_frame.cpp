@@ -107,6 +107,11 @@ void CMainFrame::createActions()
         {"file", "actionImport", "&Импортиране на данни от друг документ ...", {},
          [this] { importLedgerFile(); }},
         {"file", nullptr, nullptr, {}, {}},
+        {"file", "actionSaveFilter", "Съхраняване на филтър във файл ...", {},
+         [this] { m_view->filterPanel().saveFilter(); }},
+        {"file", "actionLoadFilter", "Зареждане на филтър от файл ...", {},
+         [this] { m_view->filterPanel().loadFilter(); }},
+        {"file", nullptr, nullptr, {}, {}},
         {"file", "actionPrint", "&Печат ...", QKeySequence::Print, [this] { m_report.print(this); }},
         {"file", "actionPrintPreview", "Предпе&чатен изглед на справката ...", {}, [this] { m_report.preview(this); }},
         {"file", "actionExportPdf", "Запиши справката като P&DF ...", {}, [this] { exportReportPdf(); }},
@@ -155,19 +160,19 @@ void CMainFrame::createActions()
         {"edit", "actionTodayOnly", "Пока&жи само днешните операции", QKeySequence(Qt::CTRL | Qt::Key_D),
          [this] {
              todayOnly(m_view->list().criteria(), m_doc.clock().now());
-             m_view->filterPanel().showCriteria();
+             m_view->filterPanel().showValues();
              m_view->refresh();
          }},
         {"settings", "actionTemporaryUnlock", "&Заключи", QKeySequence(Qt::Key_F12),
          [this] {
              if (temporaryUnlockCommand(m_doc, m_prompter, askPassword())) {
-                 m_view->resetFilter();
+                 refreshAfterLockChange();
              }
          }},
         {"settings", "actionPermanentProtection", "Задаване на постоянна защита", {},
          [this] {
              if (permanentProtectionCommand(m_doc, m_prompter, askPassword())) {
-                 m_view->resetFilter();
+                 refreshAfterLockChange();
              }
          }},
         {"settings", nullptr, nullptr, {}, {}},
@@ -180,7 +185,7 @@ void CMainFrame::createActions()
         {"settings", "actionSubcategories", "Вкл&ючвай и подкатегориите при избор на категория", {},
          [this] {
              m_settings.toggle(IntSetting::ShowDataForSubCategories);
-             m_view->filterPanel().showCriteria();
+             m_view->filterPanel().showValues();
              m_view->refresh();
          }},
         {"settings", nullptr, nullptr, {}, {}},
@@ -208,10 +213,14 @@ void CMainFrame::createActions()
                                  m_settings.value(IntSetting::AskForFixingSuggestion) <= 0 ? 1 : 0);
          }},
         {"settings", nullptr, nullptr, {}, {}},
+        {"settings", "actionOpTypeIncome", "Прихо&д", {}, [this] { m_settings.setValue(IntSetting::OpType, 0); }},
+        {"settings", "actionOpTypeExpense", "&Разход", {}, [this] { m_settings.setValue(IntSetting::OpType, 1); }},
+        {"settings", "actionOpTypeLast", "&Последната извършена", {},
+         [this] { m_settings.setValue(IntSetting::OpType, 2); }},
         {"settings", "actionDblClickAdds", "Създавай нова операция в тази категория", {},
-         [this] { m_settings.setValue(IntSetting::AddOnDblClick, 1); }},
+         [this] { m_settings.toggle(IntSetting::AddOnDblClick); }},
         {"settings", "actionDblClickFilters", "Добавяй категорията в списъка на избраните категории", {},
-         [this] { m_settings.setValue(IntSetting::FilterOnDblClick, 1); }},
+         [this] { m_settings.toggle(IntSetting::FilterOnDblClick); }},
         {"edit", "actionCalculator", "Калку&латор", QKeySequence(Qt::Key_F9), [this] { startCalculator(); }},
         {"edit", "actionAddCategoryToFilter", "Добави тази кате&гория към списъка на избраните ...",
          QKeySequence(Qt::Key_F2), [this] { m_view->filterPanel().addTreeCategory(); }},
@@ -287,9 +296,24 @@ void CMainFrame::createActions()
     action("actionRedo")->setShortcuts({QKeySequence(Qt::CTRL | Qt::Key_Y), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Z)});
     for (const char* name : {"actionBackupFolder", "actionBackupBeside", "actionAutoSave", "actionAutoOpen", "actionShowToday", "actionSubcategories",
                              "actionSuggestNone", "actionSuggestLast", "actionSuggestAverage",
-                             "actionAskForRate", "actionDblClickAdds", "actionDblClickFilters"}) {
+                             "actionAskForRate", "actionDblClickAdds", "actionDblClickFilters",
+                             "actionOpTypeIncome", "actionOpTypeExpense", "actionOpTypeLast"}) {
         action(name)->setCheckable(true);
     }
+    // Two choices of one setting each, in submenus of their own.
+    const auto submenu = [this, settings](const QString& title, std::initializer_list<const char*> names) {
+        auto* menu = new QMenu(title, this);
+        settings->insertMenu(action(*names.begin()), menu);
+        for (const char* name : names) {
+            settings->removeAction(action(name));
+            menu->addAction(action(name));
+        }
+        return menu;
+    };
+    submenu(QStringLiteral("Тип на новата операция"), {"actionOpTypeIncome", "actionOpTypeExpense", "actionOpTypeLast"})
+        ->setObjectName(QStringLiteral("menuOpType"));
+    submenu(QStringLiteral("При двойно кликване на категория ..."), {"actionDblClickAdds", "actionDblClickFilters"})
+        ->setObjectName(QStringLiteral("menuDoubleClick"));
     // The recommended sites, then the about box last, as help menus end.
     auto* sites = new QMenu(QStringLiteral("Препоръчани сайтове"), this);
     help->insertMenu(action("actionAbout"), sites);
@@ -306,6 +330,8 @@ void CMainFrame::createActions()
         {"actionSave", "Записва текущия документ"},
         {"actionSaveAs", "Записва текущия документ под ново име"},
         {"actionImport", "Добавя операциите от друг документ на Finora"},
+        {"actionSaveFilter", "Записва текущия филтър във външен файл ..."},
+        {"actionLoadFilter", "Зарежда филтри от външен файл ..."},
         {"actionPrint", "Отпечатва справка за операциите в списъка"},
         {"actionPrintPreview", "Показва справката така, както ще бъде отпечатана"},
         {"actionExportPdf", "Записва справката във файл PDF"},
@@ -386,17 +412,22 @@ void CMainFrame::createActions()
         tools->addAction(a);
     }
 
-    // The second main menu is the list's context menu too.
     connect(m_view->table(), &QAbstractItemView::doubleClicked, this, [this] { editSelectedOperation(); });
     m_view->filterPanel().setOnAddInCategory([this] { action("actionAddInCategory")->trigger(); });
-    m_view->table()->setContextMenuPolicy(Qt::CustomContextMenu);
-    connect(m_view->table(), &QWidget::customContextMenuRequested, this,
-            [this, edit](const QPoint& pos) { edit->exec(m_view->table()->viewport()->mapToGlobal(pos)); });
+    // The second main menu is the context menu of the whole view: panel, list and totals.
+    m_view->setContextMenu(edit);
 }
 
 PasswordAsker CMainFrame::askPassword()
 {
     return [this](bool lockMode) { return PasswordDialog::ask(lockMode, m_prompter, this); };
+}
+
+void CMainFrame::refreshAfterLockChange()
+{
+    // The tree and the list show what the lock now lets through; the user's filter stays.
+    m_view->filterPanel().showCriteria();
+    m_view->refresh();
 }
 
 void CMainFrame::undoOrRedo(bool undo)
@@ -564,8 +595,14 @@ void CMainFrame::updateCommands()
     action("actionSuggestLast")->setChecked(mode == 1);
     action("actionSuggestAverage")->setChecked(mode == 2);
     action("actionAskForRate")->setChecked(m_settings.value(IntSetting::AskForFixingSuggestion) == 1);
+    // The panel makes an operation when AddOnDblClick is on and adds to the chosen list
+    // otherwise, so exactly one of the two shows as active, with both keys unset too.
     action("actionDblClickAdds")->setChecked(m_settings.isOn(IntSetting::AddOnDblClick));
-    action("actionDblClickFilters")->setChecked(m_settings.isOn(IntSetting::FilterOnDblClick));
+    action("actionDblClickFilters")->setChecked(!m_settings.isOn(IntSetting::AddOnDblClick));
+    const int opType = m_settings.value(IntSetting::OpType);
+    action("actionOpTypeIncome")->setChecked(opType == 0);
+    action("actionOpTypeExpense")->setChecked(opType == 1);
+    action("actionOpTypeLast")->setChecked(opType != 0 && opType != 1);
     action("actionUndo")->setText(QString::fromStdString(undoMenuText(m_doc)));
     action("actionUndo")->setEnabled(m_doc.history().canUndo());
     action("actionRedo")->setText(QString::fromStdString(redoMenuText(m_doc)));
@@ -576,7 +613,9 @@ void CMainFrame::updateCommands()
     action("actionDeleteSelected")->setEnabled(anySelected);
     action("actionSetPaid")->setEnabled(anySelected);
     action("actionEditRecord")->setEnabled(anySelected);
-    for (const char* name : {"actionPrint", "actionPrintPreview", "actionExportPdf", "actionExportCsv"}) {
+    // Printing an empty list gives no page, which is what the user asked for; a file of
+    // nothing is not written.
+    for (const char* name : {"actionExportPdf", "actionExportCsv"}) {
         action(name)->setEnabled(anyRow);
     }
 }

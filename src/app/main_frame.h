@@ -73,6 +73,7 @@ private:
     void saveAs();
     // "&Отмени" and "&Възстанови": the list and the filter panel follow the ledger.
     void undoOrRedo(bool undo);
+    void refreshAfterLockChange();
     void search();
     void filterByAmount();
     // The operation editor, again and again while the user asks for another one.

@@ -4,6 +4,8 @@
 #include <QPagedPaintDevice>
 #include <QPainter>
 
+#include <algorithm>
+
 namespace finora {
 namespace {
 
@@ -53,12 +55,14 @@ int alignment(const ReportItem& item)
 } // namespace
 
 int paintReport(QPagedPaintDevice& device, const OperationsList& list, const ReportContext& context,
-                const Settings& settings, bool selectionOnly, const ReportProgress& progress)
+                const Settings& settings, bool selectionOnly, const ReportProgress& progress, ReportPages pages)
 {
     const QPageLayout layout = device.pageLayout();
     const bool landscape = layout.orientation() == QPageLayout::Landscape;
     const ReportPlan plan = planReport(list.rowCount(), list.selectedCount(), selectionOnly, landscape);
-    if (plan.maxPage < 1) {
+    const int first = std::max(pages.first, 1);
+    const int last = pages.last > 0 ? std::min(pages.last, plan.maxPage) : plan.maxPage;
+    if (first > last) {
         return 0;
     }
     QPainter painter;
@@ -77,14 +81,14 @@ int paintReport(QPagedPaintDevice& device, const OperationsList& list, const Rep
     pen.setWidthF(2 * map.scale()); // 0.2 mm
     painter.setPen(pen);
     int painted = 0;
-    for (int number = 1; number <= plan.maxPage; ++number) {
-        if (progress && !progress(number, plan.maxPage)) {
+    for (int number = first; number <= last; ++number) {
+        if (progress && !progress(number - first + 1, last - first + 1)) {
             break;
         }
-        if (number > 1) {
+        if (painted > 0) {
             device.newPage();
         }
-        painted = number;
+        ++painted;
         for (const ReportItem& item : layoutReportPage(list, context, settings, plan, page, number)) {
             const QRectF r = map.rect(item.rect);
             switch (item.kind) {

@@ -8,6 +8,8 @@
 #include <QPrintPreviewDialog>
 #include <QProgressDialog>
 
+#include <algorithm>
+
 namespace finora {
 
 ReportPrinter::ReportPrinter(const CFinoraDoc& doc, const OperationsList& list, const Settings& settings)
@@ -15,12 +17,26 @@ ReportPrinter::ReportPrinter(const CFinoraDoc& doc, const OperationsList& list, 
 {
 }
 
-int ReportPrinter::paint(QPrinter& printer, bool selectionOnly) const
+namespace {
+
+// The pages the print dialog asked for; all of them unless a range was chosen.
+ReportPages chosenPages(const QPrinter& printer)
 {
-    return paintReport(printer, m_list, reportContext(m_doc, m_list), m_settings, selectionOnly);
+    if (printer.printRange() == QPrinter::PageRange && printer.fromPage() > 0) {
+        return {printer.fromPage(), printer.toPage()};
+    }
+    return {};
 }
 
-int ReportPrinter::paintShowingProgress(QPrinter& printer, bool selectionOnly, QWidget* parent) const
+} // namespace
+
+int ReportPrinter::paint(QPrinter& printer, bool selectionOnly) const
+{
+    return paintReport(printer, m_list, reportContext(m_doc, m_list), m_settings, selectionOnly, {},
+                       chosenPages(printer));
+}
+
+ReportPrinter::Painted ReportPrinter::paintShowingProgress(QPrinter& printer, bool selectionOnly, QWidget* parent) const
 {
     // A report of a hundred thousand rows is two thousand pages: the user sees how far it has
     // come and may stop it, and the window is not frozen meanwhile.
@@ -30,25 +46,33 @@ int ReportPrinter::paintShowingProgress(QPrinter& printer, bool selectionOnly, Q
     progress.setWindowModality(Qt::WindowModal);
     progress.setMinimumDuration(kProgressAfterMs);
     QGuiApplication::setOverrideCursor(Qt::WaitCursor);
-    const int pages = paintReport(printer, m_list, reportContext(m_doc, m_list), m_settings, selectionOnly,
-                                  [&progress](int page, int count) {
-                                      progress.setMaximum(count);
-                                      progress.setLabelText(QString::fromUtf8(kPreparingText) +
-                                                            QStringLiteral("\nстраница %1 от %2").arg(page).arg(count));
-                                      progress.setValue(page - 1);
-                                      return !progress.wasCanceled();
-                                  });
+    Painted painted;
+    painted.pages = paintReport(
+        printer, m_list, reportContext(m_doc, m_list), m_settings, selectionOnly,
+        [&](int page, int count) {
+            progress.setMaximum(count);
+            progress.setLabelText(QString::fromUtf8(kPreparingText) +
+                                  QStringLiteral("\nстраница %1 от %2").arg(page).arg(count));
+            progress.setValue(page - 1);
+            painted.stopped = progress.wasCanceled();
+            return !painted.stopped;
+        },
+        chosenPages(printer));
     QGuiApplication::restoreOverrideCursor();
-    return pages;
+    return painted;
 }
 
 void ReportPrinter::print(QWidget* parent)
 {
     QPrintDialog dialog(m_printer.get(), parent);
     dialog.setOption(QAbstractPrintDialog::PrintSelection, m_list.selectedCount() > 0);
+    dialog.setOption(QAbstractPrintDialog::PrintPageRange, true);
+    const bool landscape = m_printer->pageLayout().orientation() == QPageLayout::Landscape;
+    dialog.setMinMax(1, std::max(1, planReport(m_list.rowCount(), m_list.selectedCount(), false, landscape).maxPage));
     if (dialog.exec() == QDialog::Accepted) {
-        const int painted = paintShowingProgress(*m_printer, m_printer->printRange() == QPrinter::Selection, parent);
-        if (painted == 0 || m_printer->printerState() == QPrinter::Error) {
+        const Painted painted =
+            paintShowingProgress(*m_printer, m_printer->printRange() == QPrinter::Selection, parent);
+        if (painted.pages == 0 || painted.stopped || m_printer->printerState() == QPrinter::Error) {
             m_printer->abort(); // a stopped job is not half printed
         }
     }

@@ -34,10 +34,14 @@ public:
 
     QPrinter& printer() { return *m_printer; }
 
-    // Paints every page on `printer`; the number of pages painted.
+    // Paints the pages the printer's range asks for (every page by default); the number painted.
     int paint(QPrinter& printer, bool selectionOnly) const;
     // The same, with a progress dialog that can stop it and a busy cursor while it works.
-    int paintShowingProgress(QPrinter& printer, bool selectionOnly, QWidget* parent) const;
+    struct Painted {
+        int pages = 0;
+        bool stopped = false;
+    };
+    Painted paintShowingProgress(QPrinter& printer, bool selectionOnly, QWidget* parent) const;
 
 private:
     const CFinoraDoc& m_doc;

@@ -3,6 +3,8 @@
 #include "model/finora_doc.h"
 #include "text/cp1251.h"
 
+#include <algorithm>
+
 namespace finora {
 
 const std::string& allCurrenciesItem()
@@ -29,18 +31,21 @@ int typeFilterFromText(std::string_view utf8)
 void resetCriteria(FilterCriteria& criteria, const CFinoraDoc& doc, const DateTime& now)
 {
     criteria.categories.clear();
-    DateTime earliest = now;
-    DateTime latest = now;
+    // By the day value alone: an entry whose status says invalid or null (older and hand-made
+    // files hold them) is in the scan like any other, and the period it gives is a valid one.
+    // A day value no calendar can show stays out of it.
+    double earliest = now.days();
+    double latest = now.days();
+    DateTimeParts shown;
     for (const Operation& op : doc.ledger().operations) {
-        if (op.date() < earliest) {
-            earliest = op.date();
-        }
-        if (op.date() > latest) {
-            latest = op.date();
+        const double day = op.date().days();
+        if ((day < earliest || day > latest) && DateTime(day, DateTime::Valid).toParts(shown)) {
+            earliest = std::min(earliest, day);
+            latest = std::max(latest, day);
         }
     }
-    criteria.from = earliest;
-    criteria.to = latest;
+    criteria.from = DateTime(earliest, DateTime::Valid);
+    criteria.to = DateTime(latest, DateTime::Valid);
     criteria.typeFilter = 0;
     criteria.currency = allCurrenciesItem();
     criteria.paidState = 0;

@@ -144,8 +144,8 @@ std::vector<ReportItem> layoutReportPage(const OperationsList& list, const Repor
     // Title and currency criterion.
     y -= 50;
     b.text({kMargin, y, w - kMargin, y - lineBottom},
-           "СПРАВКА ЗА " + titleKind(context.typeText) + " ОТ " + context.from.dateText() + " ДО " +
-               context.to.dateText(),
+           "СПРАВКА ЗА " + titleKind(context.typeText) + " ОТ " + context.from.paddedDateText() + " ДО " +
+               context.to.paddedDateText(),
            ReportFont::Title, ReportAlign::Centre);
     y -= h + 10;
     std::string currency = context.currencyText;
@@ -215,7 +215,7 @@ std::vector<ReportItem> layoutReportPage(const OperationsList& list, const Repor
     DateTimeParts now;
     context.printedAt.toParts(now);
     b.text({kMargin, bottom + 2 * h, w - kMargin, bottom},
-           "отпечатано на: " + context.printedAt.dateText() + " " + std::to_string(now.hour) + ":" +
+           "отпечатано на: " + context.printedAt.paddedDateText() + " " + std::to_string(now.hour) + ":" +
                std::to_string(now.minute) + " / файл: " + context.filePath,
            ReportFont::Footer, ReportAlign::Centre);
     b.text({kMargin, bottom + h, w - kMargin, bottom}, kReportCredit, ReportFont::Footer, ReportAlign::Centre);

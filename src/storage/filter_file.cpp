@@ -60,6 +60,10 @@ bool parseFilter(std::string_view bytes, StoredFilter& filter)
         return false;
     }
     f.includeSubcategories = include != 0;
+    // The type selector has three choices; any other stored number means the first, both types.
+    if (f.criteria.typeFilter < 0 || f.criteria.typeFilter > 2) {
+        f.criteria.typeFilter = 0;
+    }
     filter = std::move(f);
     return true;
 }

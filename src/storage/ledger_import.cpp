@@ -208,28 +208,40 @@ ImportResult importLedger(CFinoraDoc& doc, std::string_view bytes, Prompter& pro
     }
 
     CFinoraDoc::ChangeBatch batch(doc);
+    // The new category is made, and said, with the first entry that goes into it: an import that
+    // adds nothing leaves the ledger as it was.
     std::int32_t importCategory = 0;
-    if (!treesMatch) {
-        const std::string name = importCategoryName(doc.clock().now());
-        doc.addCategory(name, 0); // refused for a second import within the same second, which
-                                  // then shares the first one's category
-        const Category* made = ours.findIf([&](const Category& c) { return c.parentId() == 0 && c.name() == name; });
-        importCategory = made ? made->id() : 0;
-        result.importCategory = name;
-        prompter.warn(kImportMismatchText, kImportMismatchCaption);
-    }
+    const auto categoryOf = [&](const Operation& op) {
+        if (treesMatch) {
+            return categoryMap.at(op.categoryId());
+        }
+        if (!result.importCategory) {
+            const std::string name = importCategoryName(doc.clock().now());
+            doc.addCategory(name, 0); // refused for a second import within the same second,
+                                      // which then shares the first one's category
+            const Category* made =
+                ours.findIf([&](const Category& c) { return c.parentId() == 0 && c.name() == name; });
+            importCategory = made ? made->id() : 0;
+            result.importCategory = name;
+            prompter.warn(kImportMismatchText, kImportMismatchCaption);
+        }
+        return importCategory;
+    };
 
-    // Currencies by name; the main currency is "BGL" on both sides.
+    // Currencies by name; the main currency is "BGL" on both sides. One the open ledger lacks
+    // is added with the first entry that uses it, not for being listed in the other file.
     std::unordered_map<std::int32_t, std::int32_t> currencyMap{{0, 0}, {-1, 0}};
+    std::unordered_map<std::int32_t, const Currency*> missing;
     for (const Currency& c : other.currencies) {
-        if (currencyMap.count(c.id())) {
+        if (currencyMap.count(c.id()) || missing.count(c.id())) {
             continue; // a repeated id means its first record
         }
-        std::int32_t id = doc.currencyId(c.name());
-        if (id == -1 && doc.addCurrency(c.name())) {
-            id = doc.ledger().counters.nextCurrencyId;
+        const std::int32_t id = doc.currencyId(c.name());
+        if (id == -1) {
+            missing.emplace(c.id(), &c);
+        } else {
+            currencyMap.emplace(c.id(), id);
         }
-        currencyMap.emplace(c.id(), id);
     }
 
     // The open ledger's entries, and each one added, in a hash set: one lookup per import.
@@ -240,8 +252,15 @@ ImportResult importLedger(CFinoraDoc& doc, std::string_view bytes, Prompter& pro
     }
     std::unordered_map<std::int32_t, std::int32_t> masterMap{{0, 0}};
     for (const Operation& op : other.operations) {
-        const auto mappedCurrency = currencyMap.find(op.currencyId());
-        const std::int32_t currency = mappedCurrency == currencyMap.end() ? 0 : mappedCurrency->second;
+        std::int32_t currency = 0;
+        if (const auto pending = missing.find(op.currencyId()); pending != missing.end()) {
+            // Added now, so no entry of the ledger has it: the test below cannot match.
+            currency = doc.addCurrency(pending->second->name()) ? doc.ledger().counters.nextCurrencyId : 0;
+            currencyMap.emplace(op.currencyId(), currency);
+            missing.erase(pending);
+        } else if (const auto mapped = currencyMap.find(op.currencyId()); mapped != currencyMap.end()) {
+            currency = mapped->second;
+        }
         const EntryKey key = EntryKey::of(op, currency);
         const std::uint64_t hash = entryHash(key);
         if (known.contains(key, hash)) {
@@ -253,10 +272,8 @@ ImportResult importLedger(CFinoraDoc& doc, std::string_view bytes, Prompter& pro
         if (master == masterMap.end()) {
             master = masterMap.emplace(op.masterId(), doc.newMasterId()).first;
         }
-        doc.addOperation(Operation(0, op.date(), op.description(), op.type(),
-                                   treesMatch ? categoryMap.at(op.categoryId()) : importCategory,
-                                   op.amount(), currency, op.amountBgl(), op.notes(), {}, op.paid(),
-                                   master->second));
+        doc.addOperation(Operation(0, op.date(), op.description(), op.type(), categoryOf(op), op.amount(),
+                                   currency, op.amountBgl(), op.notes(), {}, op.paid(), master->second));
         known.insert(*doc.ledger().operations.rbegin(), hash);
         ++result.added;
     }

@@ -90,7 +90,7 @@ TEST_F(CliRenderTest, TheReportPdfShowsTitleCurrencyPageNumbersTotalsAndFooter)
     ASSERT_EQ(pages.size(), 3) << text.toStdString();
     for (int p = 0; p < 3; ++p) {
         const QString& page = pages.at(p);
-        EXPECT_TRUE(page.contains(QStringLiteral("СПРАВКА ЗА ПРИХОДИТЕ И РАЗХОДИТЕ ОТ 1-1-2000 ДО 21-11-2026")));
+        EXPECT_TRUE(page.contains(QStringLiteral("СПРАВКА ЗА ПРИХОДИТЕ И РАЗХОДИТЕ ОТ 01-01-2000 ДО 21-11-2026")));
         EXPECT_TRUE(page.contains(QStringLiteral("ВАЛУТЕН КРИТЕРИЙ: ВСИЧКИ ВАЛУТИ В BGL")));
         EXPECT_TRUE(page.contains(QRegularExpression(QStringLiteral("(^|\\n)\\s*%1/3\\s").arg(p + 1)))) << p;
         EXPECT_TRUE(page.contains(QStringLiteral("отпечатано на: 21-11-2026 9:5 / файл: ") +
@@ -115,7 +115,7 @@ TEST_F(CliRenderTest, TheReportFollowsTheFilterSearchAndOrientation)
     const CliResult r = run({"report", ledger, "--pdf", pdf, "--from", "1-1-2000", "--type", "1", "--landscape"});
     ASSERT_EQ(r.status, 0) << r.err;
     const QString text = pdfText(QString::fromStdString(pdf));
-    EXPECT_TRUE(text.contains(QStringLiteral("СПРАВКА ЗА ПРИХОДИТЕ ОТ 1-1-2000 ДО 21-11-2026")));
+    EXPECT_TRUE(text.contains(QStringLiteral("СПРАВКА ЗА ПРИХОДИТЕ ОТ 01-01-2000 ДО 21-11-2026")));
     EXPECT_TRUE(text.contains(QStringLiteral("забележки")));
     EXPECT_FALSE(text.contains(QRegularExpression(QStringLiteral("\\s-\\d+\\.\\d\\d\\s")))) << "an expense row";
 

@@ -64,6 +64,25 @@ TEST_F(FilterTest, ResetShowsEverythingFromTheEarliestToTheLatestDate)
     EXPECT_EQ(c.to, clock.now());
 }
 
+TEST_F(FilterTest, ResetKeepsEntriesWhoseDateStatusIsNotValidInView)
+{
+    // Files from older versions or made by hand may mark a date invalid or null while its day
+    // value is an ordinary day: "без филтър" must still show the whole ledger.
+    const DateTime march = DateTime::fromParts(2019, 3, 4);
+    doc.addOperation(op(1, kExpense, 1, 0, DateTime(march.days(), DateTime::Invalid)));
+    doc.addOperation(op(1, kExpense, 1, 0, DateTime(DateTime::fromParts(2031, 1, 1).days(), DateTime::Null)));
+    doc.addOperation(op(1, kExpense, 1, 0, DateTime::fromParts(2024, 5, 5)));
+    doc.addOperation(op(1, kExpense, 1, 0, DateTime(1e12, DateTime::Valid))); // no calendar day
+    resetCriteria(criteria, doc, clock.now());
+    EXPECT_EQ(criteria.from, march);
+    EXPECT_EQ(criteria.to, DateTime::fromParts(2031, 1, 1));
+    int shown = 0;
+    for (const Operation& o : doc.ledger().operations) {
+        shown += passes(o) ? 1 : 0;
+    }
+    EXPECT_EQ(shown, 3);
+}
+
 TEST_F(FilterTest, PaidStatesAreLopsided)
 {
     const Operation paid = op(1, kExpense, 1), unpaid = op(1, kExpense, 0), odd = op(1, kExpense, 2);

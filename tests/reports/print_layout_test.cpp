@@ -132,10 +132,13 @@ TEST_F(PrintLayoutTest, TitleCurrencyFooterAndGeometry)
     fill(3);
     m_settings.setValue(IntSetting::DateWidth, 300);
     const auto items = page(1);
-    EXPECT_EQ(texts(items).front(), "СПРАВКА ЗА РАЗХОДИТЕ ОТ 1-1-2026 ДО 31-12-2026");
+    EXPECT_EQ(texts(items).front(), "СПРАВКА ЗА РАЗХОДИТЕ ОТ 01-01-2026 ДО 31-12-2026");
     EXPECT_TRUE(has(items, "ВАЛУТЕН КРИТЕРИЙ: ВСИЧКИ ВАЛУТИ В BGL"));
     EXPECT_TRUE(has(items, "отпечатано на: 21-11-2026 9:5 / файл: /home/ива/дом.fnr"));
     EXPECT_TRUE(has(items, kReportCredit));
+    // Captions and print write day and month in two digits, the time as plain numbers.
+    m_context.printedAt = DateTime::fromParts(2026, 3, 5, 9, 7);
+    EXPECT_TRUE(has(page(1), "отпечатано на: 05-03-2026 9:7 / файл: /home/ива/дом.fnr"));
 
     // Upright: the title box starts 50 below a 50 margin; the header row comes 110 + 2h lower.
     EXPECT_EQ(items.front().rect, (ReportRect{50, -100, 1950, -160}));
@@ -154,7 +157,7 @@ TEST_F(PrintLayoutTest, TitleCurrencyFooterAndGeometry)
     m_context.currencyText = "EUR";
     const auto lying = page(1, true);
     EXPECT_EQ(lying.front().rect.top, -50);
-    EXPECT_EQ(texts(lying).front(), "СПРАВКА ЗА ПРИХОДИТЕ И РАЗХОДИТЕ ОТ 1-1-2026 ДО 31-12-2026");
+    EXPECT_EQ(texts(lying).front(), "СПРАВКА ЗА ПРИХОДИТЕ И РАЗХОДИТЕ ОТ 01-01-2026 ДО 31-12-2026");
     EXPECT_TRUE(has(lying, "ВАЛУТЕН КРИТЕРИЙ: EUR"));
 }
 

@@ -79,6 +79,21 @@ TEST(FilterFile, AnythingElseIsRefusedWholeAndChangesNothing)
     EXPECT_FALSE(parseFilter(forged, f));
 }
 
+TEST(FilterFile, ATypeChoiceOutsideTheSelectorReadsAsBothTypes)
+{
+    for (const std::int32_t stored : {-1, 3, 7, 1 << 30}) {
+        StoredFilter f = sampleFilter();
+        f.criteria.typeFilter = stored;
+        StoredFilter back;
+        ASSERT_TRUE(parseFilter(serializeFilter(f), back)) << stored;
+        EXPECT_EQ(back.criteria.typeFilter, 0) << stored;
+    }
+    StoredFilter f = sampleFilter();
+    StoredFilter back;
+    ASSERT_TRUE(parseFilter(serializeFilter(f), back));
+    EXPECT_EQ(back.criteria.typeFilter, 2);
+}
+
 TEST(FilterFile, LoadFailuresSayWhy)
 {
     const auto dir = std::filesystem::temp_directory_path() / ("finora-filter-test-" + std::to_string(::getpid()));
@@ -186,6 +201,45 @@ TEST_F(ImportTest, AnotherTreeGoesIntoANewImportCategory)
     EXPECT_EQ(prompter.messages()[0].text, kImportMismatchText);
     EXPECT_EQ(doc.categoryName(doc.operation(4).categoryId()), *r.importCategory);
     EXPECT_EQ(doc.categoryParent(doc.operation(4).categoryId()), 0);
+}
+
+TEST_F(ImportTest, OnlyTheCurrenciesAndCategoryThatAddedEntriesUseAreMade)
+{
+    // The other file lists currencies nobody there uses and a tree this ledger lacks, and its
+    // only new entry is in a currency of its own.
+    Ledger other = doc.ledger();
+    other.currencies.append(Currency(50, "CHF"));
+    other.currencies.append(Currency(51, "JPY"));
+    other.currencies.append(Currency(52, "NOK"));
+    other.categories.append(Category(60, "Garden", 0));
+    other.operations.append(Operation(90, DateTime::fromParts(2024, 4, 1), "Seeds", kExpense, 60, 3.0, 51, 9.0,
+                                      "", {}, 1, 0));
+    other.operations.append(Operation(91, DateTime::fromParts(2024, 4, 1), "Seeds", kExpense, 60, 3.0, 51, 9.0,
+                                      "", {}, 1, 0)); // the same again: skipped, JPY now known
+    const auto currenciesBefore = doc.ledger().currencies.size();
+    const ImportResult r = importLedger(doc, serializeLedger(other), prompter);
+    EXPECT_EQ(r.added, 1);
+    EXPECT_EQ(r.skipped, 4);
+    EXPECT_EQ(doc.ledger().currencies.size(), currenciesBefore + 1);
+    EXPECT_NE(doc.currencyId("JPY"), -1);
+    EXPECT_EQ(doc.currencyId("CHF"), -1);
+    EXPECT_EQ(doc.currencyId("NOK"), -1);
+    EXPECT_EQ(doc.operation(doc.ledger().counters.nextOperationId).currencyId(), doc.currencyId("JPY"));
+
+    // Every entry already here, under a tree that does not match: nothing new at all, no
+    // category, no currency, no question about the trees.
+    CFinoraDoc same(clock);
+    same.replaceLedger(test::sampleLedger());
+    Ledger mismatched = same.ledger();
+    mismatched.currencies.append(Currency(50, "CHF"));
+    mismatched.categories.append(Category(60, "Garden", 0));
+    const std::string before = serializeLedger(same.ledger());
+    RecordingPrompter quiet;
+    const ImportResult none = importLedger(same, serializeLedger(mismatched), quiet);
+    EXPECT_EQ(none.added, 0);
+    EXPECT_FALSE(none.importCategory);
+    EXPECT_EQ(serializeLedger(same.ledger()), before);
+    EXPECT_EQ(quiet.messages().size(), 1u); // the result alone
 }
 
 TEST_F(ImportTest, UnreadableAndNewerFilesChangeNothing)

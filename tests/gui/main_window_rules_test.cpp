@@ -1,0 +1,232 @@
+// The main window's menus and commands as a user reaches them: the settings' submenus, the
+// filter file commands, the lock keeping the user's filter, Ctrl+D leaving the tree alone, the
+// edit menu on a right click anywhere, and the pages a print asks for.
+#include "app/report_printer.h"
+#include "support/desktop_session.h"
+#include "support/rendered_output.h"
+#include "support/user.h"
+
+#include <QContextMenuEvent>
+#include <QDateEdit>
+#include <QFileInfo>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
+#include <QTableView>
+#include <QTemporaryDir>
+#include <QTimer>
+#include <QTreeWidget>
+#include <gtest/gtest.h>
+
+using namespace finora;
+using namespace finora::test;
+
+namespace {
+
+class MainWindowRules : public DesktopSession {
+protected:
+    MainWindowRules() { openGenerated(QStringLiteral("правила.fnr"), 300, 7); }
+
+    QAction* item(const char* name) { return m_frame->findChild<QAction*>(QString::fromLatin1(name)); }
+    // The check marks a user sees in a submenu of "Настройки".
+    QStringList checkedIn(const char* menuName)
+    {
+        auto* menu = m_frame->findChild<QMenu*>(QString::fromLatin1(menuName));
+        user::chooseMenu(m_frame.get(), {QStringLiteral("Настройки")});
+        if (QWidget* open = QApplication::activePopupWidget()) {
+            QTest::keyClick(open, Qt::Key_Escape);
+        }
+        QStringList checked;
+        for (QAction* a : menu->actions()) {
+            if (a->isChecked()) {
+                checked << user::shown(a->text());
+            }
+        }
+        return checked;
+    }
+    QTreeWidget* tree() { return m_frame->findChild<QTreeWidget*>(QStringLiteral("categoryTree")); }
+    void pickInTree(int row)
+    {
+        QTreeWidgetItem* it = tree()->topLevelItem(row);
+        QTest::mouseClick(tree()->viewport(), Qt::LeftButton, {}, tree()->visualItemRect(it).center());
+    }
+    int chosenInTree()
+    {
+        QTreeWidgetItem* it = tree()->currentItem();
+        return it && it->isSelected() ? tree()->indexOfTopLevelItem(it) : -1;
+    }
+};
+
+TEST_F(MainWindowRules, TheNewOperationTypeAndTheDoubleClickChoiceAreSubmenusCheckedByTheSetting)
+{
+    EXPECT_EQ(checkedIn("menuOpType"), QStringList{QStringLiteral("Последната извършена")});
+    // Both keys unset: a double click adds to the chosen list, and that item says so.
+    EXPECT_EQ(checkedIn("menuDoubleClick"),
+              QStringList{QStringLiteral("Добавяй категорията в списъка на избраните категории")});
+
+    user::chooseMenu(m_frame.get(), {QStringLiteral("Настройки"), QStringLiteral("Тип на новата операция"),
+                                     QStringLiteral("Разход")});
+    EXPECT_EQ(m_store.readInt("Settings", "OpType", -1), 1);
+    EXPECT_EQ(checkedIn("menuOpType"), QStringList{QStringLiteral("Разход")});
+    user::ExpectDialog editor([](QDialog* d) {
+        QStringList checked;
+        for (QAbstractButton* b : d->findChildren<QAbstractButton*>()) {
+            if (b->isCheckable() && b->isChecked()) {
+                checked << b->text();
+            }
+        }
+        EXPECT_TRUE(checked.contains(QStringLiteral("разход"))) << checked.join(QLatin1Char(',')).toStdString();
+        QTest::keyClick(d, Qt::Key_Escape);
+    });
+    user::press(m_frame.get(), Qt::Key_F8);
+    editor.verify();
+
+    user::chooseMenu(m_frame.get(), {QStringLiteral("Настройки"), QStringLiteral("При двойно кликване на категория ..."),
+                                     QStringLiteral("Създавай нова операция в тази категория")});
+    EXPECT_EQ(m_store.readInt("Settings", "AddOnDblClick", -1), 1);
+    EXPECT_EQ(m_store.readInt("Settings", "FilterOnDblClick", -1), 0);
+    EXPECT_EQ(checkedIn("menuDoubleClick"), QStringList{QStringLiteral("Създавай нова операция в тази категория")});
+    user::chooseMenu(m_frame.get(), {QStringLiteral("Настройки"), QStringLiteral("При двойно кликване на категория ..."),
+                                     QStringLiteral("Добавяй категорията в списъка на избраните категории")});
+    EXPECT_EQ(m_store.readInt("Settings", "AddOnDblClick", -1), 0);
+    EXPECT_EQ(checkedIn("menuDoubleClick"),
+              QStringList{QStringLiteral("Добавяй категорията в списъка на избраните категории")});
+}
+
+TEST_F(MainWindowRules, TheFilterFileMenuItemsSaveAndLoadWhatThePanelShows)
+{
+    pickInTree(0);
+    user::press(m_frame.get(), Qt::Key_F2);
+    const QString chosen = tree()->topLevelItem(0)->text(0);
+    const std::size_t shown = m_frame->view().list().rowCount();
+    const QString file = m_dir.filePath(QStringLiteral("избор.ffl"));
+    // The file dialog, answered as a user does: the name typed, Enter.
+    const auto name = [&](QDialog* d) {
+        auto* edit = d->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
+        ASSERT_NE(edit, nullptr);
+        user::retype(edit, file);
+        QTest::keyClick(edit, Qt::Key_Return);
+    };
+    {
+        user::ExpectDialog save(name);
+        user::chooseMenu(m_frame.get(), {QStringLiteral("Файл"), QStringLiteral("Съхраняване на филтър във файл ...")});
+    }
+    ASSERT_TRUE(QFileInfo::exists(file));
+
+    user::click(user::button(m_frame.get(), QStringLiteral("без филтър")));
+    ASSERT_GT(m_frame->view().list().rowCount(), shown);
+    {
+        user::ExpectDialog load(name);
+        user::chooseMenu(m_frame.get(), {QStringLiteral("Файл"), QStringLiteral("Зареждане на филтър от файл ...")});
+    }
+    auto* selected = m_frame->findChild<QTreeWidget*>(QStringLiteral("selectedCategories"));
+    ASSERT_EQ(selected->topLevelItemCount(), 1);
+    EXPECT_EQ(selected->topLevelItem(0)->text(0), chosen);
+    EXPECT_EQ(m_frame->view().list().rowCount(), shown);
+}
+
+TEST_F(MainWindowRules, ProtectingTheLedgerKeepsTheFilterAndTheTreeAndTodayLeavesTheTreeAlone)
+{
+    pickInTree(1);
+    user::press(m_frame.get(), Qt::Key_F2); // one category chosen
+    ASSERT_EQ(chosenInTree(), 1);
+
+    // Ctrl+D sets the period only: the category picked in the tree stays picked, and F7
+    // still makes an entry in it.
+    user::press(m_frame.get(), Qt::Key_D, Qt::ControlModifier);
+    EXPECT_EQ(m_frame->findChild<QDateEdit*>(QStringLiteral("periodFrom"))->text(), QStringLiteral("01-11-2026"));
+    EXPECT_EQ(chosenInTree(), 1);
+    user::chooseMenu(m_frame.get(),
+                     {QStringLiteral("Настройки"), QStringLiteral("Включвай и подкатегориите при избор на категория")});
+    EXPECT_EQ(chosenInTree(), 1);
+    user::ExpectDialog editor([&](QDialog* d) {
+        EXPECT_EQ(d->findChild<QLabel*>(QStringLiteral("category"))->text(), tree()->topLevelItem(1)->text(0));
+        QTest::keyClick(d, Qt::Key_Escape);
+    });
+    user::press(m_frame.get(), Qt::Key_F7);
+    editor.verify();
+
+    // Back to the chosen category over the whole period, then a protection and its removal.
+    auto* from = m_frame->findChild<QDateEdit*>(QStringLiteral("periodFrom"));
+    user::click(user::button(m_frame.get(), QStringLiteral("без филтър")));
+    pickInTree(1);
+    user::press(m_frame.get(), Qt::Key_F2);
+    const QString period = from->text();
+    const std::size_t shown = m_frame->view().list().rowCount();
+    ASSERT_GT(shown, 0u);
+    user::ExpectDialog set([](QDialog* d) {
+        for (QLineEdit* field : d->findChildren<QLineEdit*>()) {
+            user::type(field, QStringLiteral("таен"));
+        }
+        QTest::keyClick(d, Qt::Key_Return);
+    });
+    user::chooseMenu(m_frame.get(), {QStringLiteral("Настройки"), QStringLiteral("Задаване на постоянна защита")});
+    set.verify();
+    EXPECT_EQ(m_frame->view().list().rowCount(), 0u); // locked
+    user::ExpectDialog remove([](QDialog* d) {
+        user::type(d->findChild<QLineEdit*>(), QStringLiteral("таен"));
+        QTest::keyClick(d, Qt::Key_Return);
+    });
+    user::chooseMenu(m_frame.get(), {QStringLiteral("Настройки"), QStringLiteral("Премахване на постоянната защита")});
+    remove.verify();
+    EXPECT_EQ(m_frame->view().list().rowCount(), shown) << "the filter was reset";
+    EXPECT_EQ(from->text(), period);
+    auto* selected = m_frame->findChild<QTreeWidget*>(QStringLiteral("selectedCategories"));
+    EXPECT_EQ(selected->topLevelItemCount(), 1);
+    EXPECT_EQ(chosenInTree(), 1);
+}
+
+TEST_F(MainWindowRules, ARightClickAnywhereInTheViewOpensTheEditMenu)
+{
+    QStringList opened;
+    QWidget* places[] = {m_frame->view().table()->viewport(), tree()->viewport(),
+                         m_frame->findChild<QLabel*>(QStringLiteral("balance")),
+                         m_frame->findChild<QWidget*>(QStringLiteral("filterPanel"))};
+    for (QWidget* place : places) {
+        ASSERT_NE(place, nullptr);
+        bool shown = false;
+        QTimer::singleShot(50, [&] {
+            auto* popup = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+            if (popup) {
+                shown = popup->actions().contains(item("actionAddRecord")) &&
+                        popup->actions().contains(item("actionSearch"));
+                popup->close();
+            }
+        });
+        const QPoint at = place->rect().center();
+        QContextMenuEvent event(QContextMenuEvent::Mouse, at, place->mapToGlobal(at));
+        QApplication::sendEvent(place, &event);
+        EXPECT_TRUE(QTest::qWaitFor([&] { return shown; }, 1000)) << place->metaObject()->className();
+    }
+}
+
+TEST_F(MainWindowRules, APrintHonoursThePageRangeAndAnEmptyListMayBePrinted)
+{
+    QTemporaryDir dir;
+    QPrinter& printer = m_frame->report().printer();
+    printer.setOutputFormat(QPrinter::PdfFormat);
+    printer.setOutputFileName(dir.filePath(QStringLiteral("страници.pdf")));
+    printer.setPrintRange(QPrinter::PageRange);
+    printer.setFromTo(2, 3);
+    ASSERT_GT(m_frame->view().list().rowCount(), 150u); // four pages and more
+    EXPECT_EQ(m_frame->report().paint(printer, false), 2);
+    const QStringList pages = pdfText(printer.outputFileName()).split(QLatin1Char('\f'), Qt::SkipEmptyParts);
+    ASSERT_EQ(pages.size(), 2);
+    EXPECT_TRUE(pages[0].contains(QStringLiteral("2/"))) << pages[0].right(80).toStdString();
+    EXPECT_TRUE(pages[1].contains(QStringLiteral("3/")));
+
+    // An empty list: the print command stays on (it prints no page).
+    m_frame->view().list().criteria().paidState = 1;
+    user::click(user::button(m_frame.get(), QStringLiteral("без филтър")));
+    user::chooseMenu(m_frame.get(), {QStringLiteral("Редакция"), QStringLiteral("Изтрий всички визуализирани записи")});
+    ASSERT_EQ(m_frame->view().list().rowCount(), 0u);
+    user::chooseMenu(m_frame.get(), {QStringLiteral("Файл")});
+    if (QWidget* open = QApplication::activePopupWidget()) {
+        QTest::keyClick(open, Qt::Key_Escape);
+    }
+    EXPECT_TRUE(item("actionPrint")->isEnabled());
+    EXPECT_TRUE(item("actionPrintPreview")->isEnabled());
+    EXPECT_FALSE(item("actionExportPdf")->isEnabled());
+}
+
+} // namespace
