@@ -15,6 +15,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
+#include <QMouseEvent>
 #include <QPushButton>
 #include <QSizeGrip>
 #include <QTreeWidget>
@@ -177,14 +178,9 @@ CategoryTreeDialog::CategoryTreeDialog(CFinoraDoc& doc, Prompter& prompter, bool
             showListRowOf(*id);
         }
     });
-    connect(m_tree, &QTreeWidget::doubleClicked, this, [this] {
-        if (m_selectionMode) {
-            m_chosenId = selectedId().value_or(0);
-            accept();
-        } else {
-            openCategoryDialog(CategoryEditor::Mode::Change);
-        }
-    });
+    // Below the items as on them: Qt reports a double click only on an item, so the viewport's
+    // own double click is taken here.
+    m_tree->viewport()->installEventFilter(this);
 
     m_menu->addAction(QStringLiteral("&Нова категория ..."), this, [this] { openCategoryDialog(CategoryEditor::Mode::New); });
     QAction* change = m_menu->addAction(QStringLiteral("&Промяна ..."), this,
@@ -250,6 +246,22 @@ void CategoryTreeDialog::showListRowOf(std::int32_t id)
         m_list->setCurrentItem(found.first());
         m_list->scrollToItem(found.first());
     }
+}
+
+bool CategoryTreeDialog::eventFilter(QObject* watched, QEvent* event)
+{
+    if (watched == m_tree->viewport() && event->type() == QEvent::MouseButtonDblClick &&
+        static_cast<QMouseEvent*>(event)->button() == Qt::LeftButton) {
+        // The selected category, or none (0) in the selection mode; "промяна" otherwise.
+        if (m_selectionMode) {
+            m_chosenId = selectedId().value_or(0);
+            accept();
+        } else {
+            openCategoryDialog(CategoryEditor::Mode::Change);
+        }
+        return true;
+    }
+    return QDialog::eventFilter(watched, event);
 }
 
 void CategoryTreeDialog::openCategoryDialog(CategoryEditor::Mode mode)

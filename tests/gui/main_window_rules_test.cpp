@@ -2,6 +2,7 @@
 // filter file commands, the lock keeping the user's filter, Ctrl+D leaving the tree alone, the
 // edit menu on a right click anywhere, and the pages a print asks for.
 #include "app/report_printer.h"
+#include "editors/category_dialogs.h"
 #include "support/desktop_session.h"
 #include "support/rendered_output.h"
 #include "support/user.h"
@@ -227,6 +228,55 @@ TEST_F(MainWindowRules, APrintHonoursThePageRangeAndAnEmptyListMayBePrinted)
     EXPECT_TRUE(item("actionPrint")->isEnabled());
     EXPECT_TRUE(item("actionPrintPreview")->isEnabled());
     EXPECT_FALSE(item("actionExportPdf")->isEnabled());
+}
+
+} // namespace
+
+namespace {
+
+// Double clicks below the last category, where the tree has no item.
+TEST(CategoryTreeEmptySpace, ADoubleClickThereChoosesNoneOrChangesTheSelectedCategory)
+{
+    FixedClock clock{DateTime::fromParts(2026, 11, 1, 12)};
+    CFinoraDoc doc(clock);
+    doc.addCategory("Food", 0);
+    doc.addCategory("Rent", 0);
+    RecordingPrompter prompter;
+    const auto emptySpot = [](QTreeWidget* tree) {
+        return QPoint(20, tree->viewport()->height() - 6);
+    };
+
+    CategoryTreeDialog chooser(doc, prompter, true);
+    user::bringUp(&chooser);
+    auto* tree = chooser.findChild<QTreeWidget*>(QStringLiteral("categoryTree"));
+    ASSERT_NE(tree, nullptr);
+    ASSERT_FALSE(tree->indexAt(emptySpot(tree)).isValid());
+    user::doubleClick(tree->viewport(), emptySpot(tree));
+    EXPECT_EQ(chooser.result(), QDialog::Accepted);
+    EXPECT_EQ(chooser.chosenId(), 0);
+
+    // In the editor a double click is "промяна": on a category it changes that one; below
+    // them it leaves nothing selected, and "промяна" without a selection does nothing.
+    CategoryTreeDialog editor(doc, prompter, false);
+    user::bringUp(&editor);
+    tree = editor.findChild<QTreeWidget*>(QStringLiteral("categoryTree"));
+    QTreeWidgetItem* rent = tree->findItems(QStringLiteral("Rent"), Qt::MatchExactly | Qt::MatchRecursive).value(0);
+    ASSERT_NE(rent, nullptr);
+    user::ExpectDialog change([](QDialog* d) {
+        auto* name = d->findChild<QLineEdit*>();
+        ASSERT_NE(name, nullptr);
+        EXPECT_EQ(name->text(), QStringLiteral("Rent"));
+        QTest::keyClick(d, Qt::Key_Escape);
+    });
+    user::doubleClick(tree->viewport(), tree->visualItemRect(rent).center());
+    change.verify();
+    user::doubleClick(tree->viewport(), emptySpot(tree));
+    QTest::qWait(100);
+    EXPECT_EQ(QApplication::activeModalWidget(), nullptr); // no category dialog
+    EXPECT_TRUE(editor.isVisible());
+    EXPECT_TRUE(tree->selectedItems().isEmpty());
+    EXPECT_FALSE(user::button(&editor, QStringLiteral("промяна"))->isEnabled());
+    EXPECT_TRUE(editor.isVisible());
 }
 
 } // namespace
