@@ -31,7 +31,6 @@ namespace {
 class FirstUseTest : public DesktopSession {
 protected:
     void start(int operations) { openGenerated(QStringLiteral("първи.fnr"), operations, 5); }
-    QTableView* table() { return m_frame->view().table(); }
     QWidget* focused() { return QApplication::focusWidget(); }
     // Where the keyboard focus is, as a test reads it: the object's name or the text it shows.
     static QString nameOf(QWidget* w)

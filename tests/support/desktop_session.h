@@ -12,6 +12,7 @@
 #include "support/scripted_host.h"
 #include "support/user.h"
 
+#include <QTableView>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
@@ -21,18 +22,42 @@ namespace finora::test {
 
 class DesktopSession : public ::testing::Test {
 protected:
-    void openGenerated(const QString& name, int operations, int seed)
+    // A generated ledger written to the session's folder; it becomes the session's file.
+    QString writeGenerated(const QString& name, int operations, int seed)
     {
         m_file = m_dir.filePath(name);
         writeFile(m_file.toStdString(), serializeLedger(generateLedger(operations, seed)));
+        return m_file;
+    }
+
+    // The main window, shown and active, with no ledger opened yet.
+    void startFrame()
+    {
         m_frame = std::make_unique<CMainFrame>(m_store, m_prompter, m_host, m_clock);
         user::bringUp(m_frame.get());
-        m_host.openPaths = {m_file.toStdString()};
+    }
+
+    // Ctrl+O, and the file chooser answered with `path`.
+    void openWithKeys(const QString& path)
+    {
+        m_host.openPaths = {path.toStdString()};
         user::press(m_frame.get(), Qt::Key_O, Qt::ControlModifier);
+    }
+
+    void openGenerated(const QString& name, int operations, int seed)
+    {
+        writeGenerated(name, operations, seed);
+        startFrame();
+        openWithKeys(m_file);
         ASSERT_EQ(m_frame->document().operationCount(), static_cast<std::size_t>(operations));
         user::click(user::button(m_frame.get(), QStringLiteral("без филтър")));
         m_prompter.clear();
     }
+
+    QTableView* table() { return m_frame->view().table(); }
+    // What a cell of the list shows.
+    QString cell(int row, int column) { return table()->model()->index(row, column).data().toString(); }
+    int shownRows() { return table()->model()->rowCount(); }
 
     QTemporaryDir m_dir;
     MemorySettingsStore m_store;
