@@ -271,6 +271,68 @@ TEST_F(DialogsAsUsed, F7OpensTheEditorInTheChosenCategoryAndSaveAndNewOpensTheNe
     EXPECT_TRUE(cell(0, kColCategory).endsWith(leaf->text(0))) << cell(0, kColCategory).toStdString();
 }
 
+TEST_F(DialogsAsUsed, TheTypeOfANewOperationIsChosenWithTheArrowKeys)
+{
+    bool openedAsIncome = false;
+    user::ExpectDialog editor([&](QDialog* d) {
+        auto* income = qobject_cast<QRadioButton*>(user::button(d, QStringLiteral("приход")));
+        auto* expense = qobject_cast<QRadioButton*>(user::button(d, QStringLiteral("разход")));
+        ASSERT_TRUE(income && expense);
+        user::type(user::child<QLineEdit>(d, "description"), QStringLiteral("Бонус"));
+        user::ExpectDialog chooser([](QDialog* c) {
+            auto* tree = user::child<QTreeWidget>(c, "categoryTree");
+            user::doubleClickItem(tree, tree->topLevelItem(0));
+            QTest::keyClick(c, Qt::Key_Return);
+        });
+        user::click(user::button(d, QStringLiteral("...")));
+        chooser.verify();
+        // Back from the description, Shift+Tab lands on the type chosen; the arrow chooses the
+        // other one.
+        QTest::mouseClick(user::child<QLineEdit>(d, "description"), Qt::LeftButton);
+        user::press(d, Qt::Key_Backtab, Qt::ShiftModifier);
+        auto* focused = qobject_cast<QRadioButton*>(QApplication::focusWidget());
+        ASSERT_TRUE(focused == income || focused == expense);
+        EXPECT_TRUE(focused->isChecked()) << focused->text().toStdString() << " has the focus but is not chosen";
+        openedAsIncome = income->isChecked();
+        user::press(d, openedAsIncome ? Qt::Key_Right : Qt::Key_Left);
+        EXPECT_NE(income->isChecked(), openedAsIncome);
+        user::retype(user::child<QLineEdit>(d, "amount"), QStringLiteral("300"));
+        user::click(user::button(d, QStringLiteral("добави/промени")));
+        user::click(user::button(d, QStringLiteral("съхрани")));
+    });
+    user::press(m_frame.get(), Qt::Key_F8);
+    editor.verify();
+    const Operation& saved = *m_frame->document().ledger().operations.rbegin();
+    EXPECT_EQ(cp1251::toUtf8(saved.description()), "Бонус");
+    EXPECT_EQ(cell(0, kColDescription), QStringLiteral("Бонус"));
+    // The other type than the editor opened with.
+    EXPECT_EQ(cell(0, kColType), openedAsIncome ? QStringLiteral("Р") : QStringLiteral("П"));
+}
+
+TEST_F(DialogsAsUsed, ShiftTabReachesThePaidChoiceMadeAndTheArrowsChangeIt)
+{
+    const auto radio = [this](const char* text) {
+        return qobject_cast<QRadioButton*>(user::button(m_frame.get(), QString::fromUtf8(text)));
+    };
+    // Back from the button after the choice.
+    user::click(user::button(m_frame.get(), QStringLiteral("без филтър")));
+    user::press(m_frame.get(), Qt::Key_Backtab, Qt::ShiftModifier);
+    ASSERT_EQ(QApplication::focusWidget(), radio("всички операции"));
+    user::press(m_frame.get(), Qt::Key_Down);
+    EXPECT_TRUE(radio("само платените")->isChecked());
+    ASSERT_GT(shownRows(), 0);
+    ASSERT_LT(shownRows(), 200);
+    for (int r = 0; r < shownRows(); ++r) {
+        EXPECT_EQ(cell(r, kColPaid), QStringLiteral("да"));
+    }
+    user::press(m_frame.get(), Qt::Key_Down);
+    EXPECT_TRUE(radio("само неплатените")->isChecked());
+    ASSERT_GT(shownRows(), 0);
+    for (int r = 0; r < shownRows(); ++r) {
+        EXPECT_EQ(cell(r, kColPaid), QStringLiteral("не"));
+    }
+}
+
 TEST_F(DialogsAsUsed, AChosenCategoryLeavesTheFilterByADoubleClickAfterAQuestionOrByItsButton)
 {
     auto* tree = user::child<QTreeWidget>(m_frame.get(), "categoryTree");
