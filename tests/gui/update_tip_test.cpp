@@ -149,21 +149,28 @@ TEST_F(HelpMenu, TheTipOfTheDayStepsThroughTheTipsAndKeepsThePlace)
         EXPECT_EQ(shownTip(d), QStringLiteral("Първи съвет"));
         user::click(user::button(d, QStringLiteral("Следващия")));
         EXPECT_EQ(shownTip(d), QStringLiteral("Втори съвет"));
-        QTest::keyClick(d, Qt::Key_Escape); // as the close box: the place is kept
+        user::click(user::button(d, QStringLiteral("показвай съветите")));
+        QTest::keyClick(d, Qt::Key_Escape); // as the close box: the place is kept, the box's choice is not
     });
     user::chooseMenu(m_frame.get(), tip);
     first.verify();
     EXPECT_GT(Settings(m_store).value(IntSetting::TipFilePos), 0);
+    EXPECT_EQ(Settings(m_store).value(IntSetting::TipStartUp), 0);
     user::ExpectDialog again([&](QDialog* d) {
         EXPECT_EQ(shownTip(d), QStringLiteral("Първи съвет")); // wrapped round
+        auto* show = user::button(d, QStringLiteral("показвай съветите"));
+        EXPECT_TRUE(show->isChecked());
+        user::click(show);
         user::click(user::button(d, QStringLiteral("Затвори")));
     });
     user::chooseMenu(m_frame.get(), tip);
     again.verify();
+    EXPECT_EQ(Settings(m_store).value(IntSetting::TipStartUp), 1); // no tips at start-up
 
     ASSERT_TRUE(QFile::remove(QStringLiteral("tips.txt")));
     user::ExpectDialog missing([&](QDialog* d) {
         EXPECT_EQ(shownTip(d).toStdString(), TipOfTheDay::kMissingText);
+        EXPECT_FALSE(user::button(d, QStringLiteral("показвай съветите"))->isChecked());
         EXPECT_FALSE(user::button(d, QStringLiteral("Следващия"))->isEnabled());
         QTest::keyClick(d, Qt::Key_Escape);
     });
