@@ -30,8 +30,6 @@ class DialogsAsUsed : public DesktopSession {
 protected:
     DialogsAsUsed() { openGenerated(QStringLiteral("дом.fnr"), 200, 9); }
 
-    const Message& lastMessage() const { return m_prompter.messages().back(); }
-    static QStringList settingsMenu(const char* item) { return {QStringLiteral("Настройки"), QString::fromUtf8(item)}; }
 
     // A password dialog answered with `password` and Enter, after the menu item or key that opens it.
     static std::function<void(QDialog*)> typePassword(const QString& password)
@@ -45,24 +43,11 @@ protected:
             QTest::keyClick(d, Qt::Key_Return);
         };
     }
-
-    Ledger ledgerOnDisk()
-    {
-        std::string bytes;
-        EXPECT_TRUE(readWholeFile(m_file.toStdString(), bytes));
-        Ledger ledger;
-        ByteReader reader(bytes);
-        EXPECT_EQ(readLedger(reader, ledger, [](double) { return true; }).status, ReadStatus::Ok);
-        return ledger;
-    }
 };
 
 TEST_F(DialogsAsUsed, TheProtectionGoesOnlyWithItsPassword)
 {
-    {
-        user::ExpectDialog lock(typePassword(QStringLiteral("тайна")));
-        user::chooseMenu(m_frame.get(), settingsMenu("Задаване на постоянна защита"));
-    }
+    protectWith(QStringLiteral("тайна"));
     user::press(m_frame.get(), Qt::Key_S, Qt::ControlModifier);
     ASSERT_FALSE(ledgerOnDisk().lockText.empty());
     ASSERT_EQ(shownRows(), 0);
@@ -279,13 +264,7 @@ TEST_F(DialogsAsUsed, TheTypeOfANewOperationIsChosenWithTheArrowKeys)
         auto* expense = qobject_cast<QRadioButton*>(user::button(d, QStringLiteral("разход")));
         ASSERT_TRUE(income && expense);
         user::type(user::child<QLineEdit>(d, "description"), QStringLiteral("Бонус"));
-        user::ExpectDialog chooser([](QDialog* c) {
-            auto* tree = user::child<QTreeWidget>(c, "categoryTree");
-            user::doubleClickItem(tree, tree->topLevelItem(0));
-            QTest::keyClick(c, Qt::Key_Return);
-        });
-        user::click(user::button(d, QStringLiteral("...")));
-        chooser.verify();
+        chooseFirstCategory(d);
         // Back from the description, Shift+Tab lands on the type chosen; the arrow chooses the
         // other one.
         QTest::mouseClick(user::child<QLineEdit>(d, "description"), Qt::LeftButton);

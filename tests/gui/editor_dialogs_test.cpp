@@ -38,18 +38,6 @@ protected:
         const QList<QTreeWidgetItem*> found = tree->findItems(text, Qt::MatchExactly | Qt::MatchRecursive, 0);
         return found.isEmpty() ? nullptr : found.first();
     }
-
-    void lockWith(const QString& password)
-    {
-        user::ExpectDialog lock([password](QDialog* d) {
-            for (QLineEdit* field : d->findChildren<QLineEdit*>()) {
-                user::retype(field, password);
-            }
-            QTest::keyClick(d, Qt::Key_Return);
-        });
-        user::chooseMenu(m_frame.get(), {QStringLiteral("Настройки"), QStringLiteral("Задаване на постоянна защита")});
-        lock.verify();
-    }
 };
 
 TEST_F(EditorDialogsTest, AThreePaymentOperationIsEnteredChangedAndTrimmedBeforeTheSave)
@@ -156,7 +144,7 @@ TEST_F(EditorDialogsTest, AThreePaymentOperationIsEnteredChangedAndTrimmedBefore
 
 TEST_F(EditorDialogsTest, EditorsAreRefusedOnALockedLedger)
 {
-    lockWith(QStringLiteral("тайна"));
+    protectWith(QStringLiteral("тайна"));
     const std::pair<int, Qt::KeyboardModifiers> keys[] = {
         {Qt::Key_F8, Qt::NoModifier},      // a new operation
         {Qt::Key_F7, Qt::NoModifier},      // a new operation in the chosen category

@@ -209,13 +209,7 @@ TEST_F(FirstUseTest, AnOperationSavedOutsideTheShownPeriodIsToldInTheStatusBar)
     const std::size_t shownBefore = m_frame->view().list().rowCount();
     user::ExpectDialog editor([&](QDialog* d) {
         user::type(d->findChild<QLineEdit*>(QStringLiteral("description")), QStringLiteral("Стара сметка"));
-        user::ExpectDialog chooser([](QDialog* c) {
-            auto* tree = c->findChild<QTreeWidget*>();
-            user::doubleClick(tree->viewport(), tree->visualItemRect(tree->topLevelItem(0)).center());
-            QTest::keyClick(c, Qt::Key_Return);
-        });
-        user::click(user::button(d, QStringLiteral("...")));
-        chooser.verify();
+        chooseFirstCategory(d);
         // A year long before the shown period, typed day by day into the date.
         // Back from the description past the type choice into the date, whose year that selects.
         auto* date = d->findChild<QDateEdit*>();

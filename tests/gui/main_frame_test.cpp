@@ -39,20 +39,6 @@ protected:
         openWithKeys(m_file);
         ASSERT_EQ(m_frame->document().path(), m_file.toStdString());
     }
-
-    // The ledger as it stands on disk.
-    Ledger ledgerOnDisk()
-    {
-        std::string bytes;
-        EXPECT_TRUE(readWholeFile(m_file.toStdString(), bytes));
-        Ledger ledger;
-        ByteReader reader(bytes);
-        EXPECT_EQ(readLedger(reader, ledger, [](double) { return true; }).status, ReadStatus::Ok);
-        return ledger;
-    }
-
-    QStringList settingsMenu(const char* item) { return {QStringLiteral("Настройки"), QString::fromUtf8(item)}; }
-    const Message& lastMessage() const { return m_prompter.messages().back(); }
 };
 
 } // namespace

@@ -34,7 +34,6 @@ protected:
         }
         return n;
     }
-    const Message& lastMessage() const { return m_prompter.messages().back(); }
 };
 
 } // namespace
@@ -152,25 +151,13 @@ TEST_F(UserFlowTest, SettingAProtectionIsAChangeThatClosingAsksAbout)
     EXPECT_EQ(lastMessage().text, DocumentStorage::kSaveChangesText);
     m_prompter.queue(Answer::Yes);
     EXPECT_TRUE(m_frame->close());
-    std::string bytes;
-    ASSERT_TRUE(readWholeFile(m_file.toStdString(), bytes));
-    Ledger saved;
-    ByteReader reader(bytes);
-    ASSERT_EQ(readLedger(reader, saved, [](double) { return true; }).status, ReadStatus::Ok);
-    EXPECT_FALSE(saved.lockText.empty());
+    EXPECT_FALSE(ledgerOnDisk().lockText.empty());
 }
 
 TEST_F(UserFlowTest, WithAutoSaveTheProtectionReachesTheFileAtOnce)
 {
     m_store.writeInt("Settings", "AutoSave", 1);
-    user::ExpectDialog password([](QDialog* d) {
-        for (QLineEdit* field : d->findChildren<QLineEdit*>()) {
-            user::type(field, QStringLiteral("x"));
-        }
-        QTest::keyClick(d, Qt::Key_Return);
-    });
-    user::chooseMenu(m_frame.get(), {QStringLiteral("Настройки"), QStringLiteral("Задаване на постоянна защита")});
-    password.verify();
+    protectWith(QStringLiteral("x"));
     EXPECT_FALSE(m_frame->isWindowModified());
     std::string bytes;
     ASSERT_TRUE(readWholeFile(m_file.toStdString(), bytes));
@@ -179,14 +166,7 @@ TEST_F(UserFlowTest, WithAutoSaveTheProtectionReachesTheFileAtOnce)
 
 TEST_F(UserFlowTest, ALockedLedgerKeepsItsFiguresOutOfTheYearlyChart)
 {
-    user::ExpectDialog password([](QDialog* d) {
-        for (QLineEdit* field : d->findChildren<QLineEdit*>()) {
-            user::type(field, QStringLiteral("x"));
-        }
-        QTest::keyClick(d, Qt::Key_Return);
-    });
-    user::chooseMenu(m_frame.get(), {QStringLiteral("Настройки"), QStringLiteral("Задаване на постоянна защита")});
-    password.verify();
+    protectWith(QStringLiteral("x"));
     m_prompter.clear();
     // No dialog may open: the harness fails the test if one stays.
     user::chooseMenu(m_frame.get(), {QStringLiteral("Данни"), QStringLiteral("Диаграма за приходите и разходите през годината ...")});
