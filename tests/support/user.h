@@ -170,12 +170,15 @@ inline QStringList menuTexts(QMainWindow* window, const QStringList& path)
     return texts;
 }
 
-// Opens the menus along `path` with the mouse and clicks the last item. Fails the test when an
-// item is missing or disabled.
+// Opens the menus along `path` with the mouse and clicks the last item; a path of a menu bar's
+// menu alone opens it and leaves it open. Fails the test when an item is missing or disabled.
 inline void chooseMenu(QMainWindow* window, const QStringList& path)
 {
     const OpenedMenu opened = openMenus(window, path);
     ASSERT_NE(opened.item, nullptr);
+    if (path.size() == 1) {
+        return;
+    }
     ASSERT_TRUE(opened.item->isEnabled()) << path.back().toStdString() << " is disabled";
     QTest::mouseClick(opened.menu, Qt::LeftButton, {}, opened.menu->actionGeometry(opened.item).center());
 }
