@@ -287,7 +287,7 @@ TEST_F(EditorDialogsTest, HelpOpensAtItsTopics)
     user::click(user::button(help, QStringLiteral("< Назад")));
     EXPECT_EQ(helpTopicOf(m_frame.get()), QStringLiteral("efective.htm"));
     user::click(user::button(help, QStringLiteral("Затвори")));
-    EXPECT_TRUE(help.isNull() || !help->isVisible());
+    EXPECT_TRUE(QTest::qWaitFor([&] { return help.isNull(); }, 1000)) << "the help window stayed";
 
     // The "?" of each editor opens its own page.
     const std::tuple<int, Qt::KeyboardModifiers, QString> editors[] = {
@@ -309,7 +309,9 @@ TEST_F(EditorDialogsTest, HelpOpensAtItsTopics)
 
     // The pages no button names are reached by links from the others, checked below; an unknown
     // topic falls back to the contents. Neither has a control of its own.
-    help = showHelp(m_frame.get(), {});
+    user::press(m_frame.get(), Qt::Key_F1);
+    help = helpWindowOf(m_frame.get());
+    ASSERT_NE(help, nullptr);
     help->showTopic(QStringLiteral("help.chm::/no_such_page.htm"));
     EXPECT_EQ(help->currentTopic(), QStringLiteral("index.htm"));
     for (const char* topic : {"filters.htm", "report.htm", "safety.htm"}) {

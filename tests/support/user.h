@@ -38,13 +38,16 @@ inline void bringUp(QWidget* window)
 
 // The window a user works in is the active one. Offscreen there is no window manager to hand
 // the activation back when a dialog closes, so every action here makes sure of it first (unless
-// a modal dialog above the window has it, as it would).
+// a modal dialog above the window has it, as it would). When a window that is no dialog closes
+// (the help), nothing at all is left active, so the window system is asked as well.
 inline void activate(QWidget* widget)
 {
     QWidget* window = widget->window();
     QWidget* modal = QApplication::activeModalWidget();
-    if (QApplication::activeWindow() != window && (!modal || modal == window)) {
+    const bool inactive = QApplication::activeWindow() != window || !QGuiApplication::focusWindow();
+    if (inactive && (!modal || modal == window)) {
         QApplication::setActiveWindow(window);
+        window->activateWindow();
         (void)QTest::qWaitForWindowActive(window);
     }
 }
