@@ -82,6 +82,7 @@ FilterPanel::FilterPanel(CFinoraDoc& doc, Settings& settings, Prompter& prompter
         m_paid[i] = new QRadioButton(QString::fromUtf8(paidTexts[i]), this);
         paidGroup->addButton(m_paid[i], i);
     }
+    tabStopOnChosen(paidGroup);
     auto* reset = new QPushButton(QStringLiteral("без филтър"), this);
     reset->setToolTip(QStringLiteral("изчистване на всички установени филтри ..."));
     auto* load = new QPushButton(QStringLiteral("зареди"), this);

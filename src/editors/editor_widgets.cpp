@@ -4,6 +4,8 @@
 #include "editors/category_tree.h"
 #include "text/cp1251.h"
 
+#include <QAbstractButton>
+#include <QButtonGroup>
 #include <QHeaderView>
 #include <QPushButton>
 #include <QScrollArea>
@@ -109,6 +111,19 @@ QPushButton* makeHelpButton(QWidget* parent, const char* topic)
     QObject::connect(button, &QPushButton::clicked, button,
                      [parent, topic] { showHelp(parent, QString::fromLatin1(topic)); });
     return button;
+}
+
+void tabStopOnChosen(QButtonGroup* group)
+{
+    // Qt leaves the tab stop on the button focused last, at first any of them; from one not
+    // chosen the arrows move the focus but not the choice.
+    const auto follow = [group] {
+        for (QAbstractButton* b : group->buttons()) {
+            b->setFocusPolicy(b->isChecked() ? Qt::StrongFocus : Qt::ClickFocus);
+        }
+    };
+    QObject::connect(group, &QButtonGroup::buttonToggled, group, follow);
+    follow();
 }
 
 QScrollArea* scrollWhenSmall(QWidget* content, QWidget* parent)

@@ -11,6 +11,7 @@
 #include <optional>
 #include <string>
 
+class QButtonGroup;
 class QDialog;
 class QPushButton;
 class QScrollArea;
@@ -51,5 +52,9 @@ QScrollArea* scrollWhenSmall(QWidget* content, QWidget* parent);
 
 // "?": opens the dialog's help topic.
 QPushButton* makeHelpButton(QWidget* parent, const char* topic);
+
+// The chosen button of an exclusive group is the group's one tab stop, whichever way the focus
+// comes: Shift+Tab lands on the choice as Tab does, and the arrow keys change it from there.
+void tabStopOnChosen(QButtonGroup* group);
 
 } // namespace finora

@@ -91,6 +91,7 @@ OperationDialog::OperationDialog(CFinoraDoc& doc, Settings& settings, Prompter& 
     auto* types = new QButtonGroup(this);
     types->addButton(m_income, 0);
     types->addButton(m_expense, 1);
+    tabStopOnChosen(types);
     m_description->setText(qt(m_editor.description()));
     m_notes->setText(qt(m_editor.notes()));
     m_category->setObjectName(QStringLiteral("category"));

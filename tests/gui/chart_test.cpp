@@ -1,21 +1,22 @@
-// The chart component and the yearly chart dialog, drawn offscreen and looked at pixel by pixel.
-#include "app/yearly_chart_dialog.h"
+// The chart component drawn offscreen, and the yearly chart dialog as a user opens and drives it,
+// both looked at pixel by pixel.
 #include "chart/chart.h"
-#include "demo/ledger_generator.h"
-#include "model/recording_prompter.h"
+#include "reports/yearly_summary.h"
+#include "support/desktop_session.h"
 #include "support/rendered_output.h"
+#include "support/user.h"
 
 #include <QApplication>
 #include <QImage>
 #include <QLineEdit>
 #include <QPainter>
-#include <QPushButton>
+#include <QSizeGrip>
 #include <QTemporaryDir>
 #include <QToolButton>
 #include <gtest/gtest.h>
 
 using namespace finora;
-using test::pixelsOf;
+using namespace finora::test;
 
 namespace {
 
@@ -86,79 +87,95 @@ TEST(Chart, BarsInTheSeriesColoursAndNothingForAnUnknownType)
     EXPECT_GT(dark, 100);
 }
 
-TEST(YearlyChart, DrawsTheYearStepsAndAsksForARefreshAfterAResize)
+class YearlyChart : public DesktopSession {
+protected:
+    YearlyChart()
+    {
+        m_clock.set(DateTime::fromParts(2026, 11, 21));
+        openGenerated(QStringLiteral("години.fnr"), 3000, 7);
+    }
+    // The bars a person sees in the frame: its pixels of the income colour.
+    static int incomePixels(QWidget* frame) { return pixelsOf(frame->grab().toImage(), qRgb(0, 255, 0)); }
+};
+
+TEST_F(YearlyChart, DrawsTheYearStepsAndAsksForARefreshAfterAResize)
 {
-    FixedClock clock(DateTime::fromParts(2026, 11, 21));
-    CFinoraDoc doc(clock);
-    doc.replaceLedger(generateLedger(3000, 7));
     // The generated ledger's busiest year.
     int busiest = 0;
     double most = 0;
     for (int year = 2000; year <= 2030; ++year) {
         YearlySummary s;
-        if (computeYearlySummary(doc, year, s) && s.yearIncome + s.yearExpense > most) {
+        if (computeYearlySummary(m_frame->document(), year, s) && s.yearIncome + s.yearExpense > most) {
             most = s.yearIncome + s.yearExpense;
             busiest = year;
         }
     }
-    RecordingPrompter prompter;
-    YearlyChartDialog dialog(doc, busiest, prompter, nullptr);
-    dialog.show();
-    QApplication::processEvents();
-    EXPECT_EQ(dialog.year(), busiest);
-    EXPECT_GT(dialog.summary().yearIncome, 0);
-    const QImage first = dialog.picture().toImage();
-    EXPECT_GT(pixelsOf(first, qRgb(0, 255, 0)), 200);
-    EXPECT_GT(pixelsOf(first, qRgb(255, 0, 0)), 200);
-    if (const QString shots = qEnvironmentVariable("FINORA_SHOTS_DIR"); !shots.isEmpty()) {
-        dialog.grab().save(shots + QStringLiteral("/yearly-chart.png"));
-    }
-
-    // The field takes any year, even outside the arrows' range; a year with no rows has no bars.
-    const auto generate = [&dialog](const QString& year) {
-        dialog.findChild<QLineEdit*>(QStringLiteral("year"))->setText(year);
-        for (QPushButton* b : dialog.findChildren<QPushButton*>()) {
-            if (b->text() == QStringLiteral("генерирай диаграма")) {
-                b->click();
-            }
-        }
-    };
-    generate(QStringLiteral("1990"));
-    EXPECT_EQ(dialog.year(), 1990);
-    EXPECT_EQ(dialog.summary().maximum, 0);
-    EXPECT_LT(pixelsOf(dialog.picture().toImage(), qRgb(0, 255, 0)), 200); // the legend's box only
-    // The arrows step by one and draw.
-    generate(QString::number(busiest - 1));
-    dialog.findChild<QToolButton*>(QStringLiteral("yearUp"))->click();
-    EXPECT_EQ(dialog.year(), busiest);
-    EXPECT_EQ(dialog.findChild<QLineEdit*>(QStringLiteral("year"))->text(), QString::number(busiest));
-    EXPECT_GT(pixelsOf(dialog.picture().toImage(), qRgb(0, 255, 0)), 200);
-
-    // After a resize the frame shows the request to refresh instead of a picture that no longer
-    // fits; "обнови" draws again from the summary already computed.
-    QWidget* frame = dialog.findChild<QWidget*>(QStringLiteral("chartFrame"));
-    dialog.resize(dialog.width() + 120, dialog.height() + 80);
-    QApplication::processEvents();
-    EXPECT_EQ(pixelsOf(frame->grab().toImage(), qRgb(0, 255, 0)), 0);
-    for (QPushButton* b : dialog.findChildren<QPushButton*>()) {
-        if (b->text() == QStringLiteral("обнови")) {
-            b->click();
-        }
-    }
-    QApplication::processEvents();
-    EXPECT_GT(pixelsOf(frame->grab().toImage(), qRgb(0, 255, 0)), 200);
-
+    ASSERT_GT(busiest, 0);
     QTemporaryDir dir;
     const QString png = dir.filePath(QStringLiteral("диаграма.png"));
-    ASSERT_TRUE(dialog.savePicture(png));
-    EXPECT_EQ(QImage(png).size(), dialog.picture().size());
-    EXPECT_TRUE(prompter.messages().empty());
-    // A picture that cannot be written is said, not passed over.
     const QString nowhere = dir.filePath(QStringLiteral("няма/диаграма.png"));
-    EXPECT_FALSE(dialog.savePicture(nowhere));
-    ASSERT_EQ(prompter.messages().size(), 1u);
-    EXPECT_EQ(prompter.messages().back().icon, MessageIcon::Error);
-    EXPECT_NE(prompter.messages().back().text.find(nowhere.toStdString()), std::string::npos);
+
+    user::ExpectDialog chart([&](QDialog* d) {
+        auto* year = user::child<QLineEdit>(d, "year");
+        QWidget* frame = user::child<QWidget>(d, "chartFrame");
+        ASSERT_TRUE(year && frame);
+        EXPECT_EQ(year->text(), QStringLiteral("2026")); // the year of today
+        const auto generate = [&](const QString& typed) {
+            user::retype(year, typed);
+            user::click(user::button(d, QStringLiteral("генерирай диаграма")));
+        };
+        generate(QString::number(busiest));
+        const QImage first = frame->grab().toImage();
+        EXPECT_GT(pixelsOf(first, qRgb(0, 255, 0)), 200);
+        EXPECT_GT(pixelsOf(first, qRgb(255, 0, 0)), 200);
+        if (const QString shots = qEnvironmentVariable("FINORA_SHOTS_DIR"); !shots.isEmpty()) {
+            d->grab().save(shots + QStringLiteral("/yearly-chart.png"));
+        }
+
+        // The field takes any year, even outside the arrows' range, and Enter draws it; a year
+        // with no rows has no bars.
+        user::retype(year, QStringLiteral("1990"));
+        QTest::keyClick(year, Qt::Key_Return);
+        EXPECT_TRUE(d->isVisible());
+        EXPECT_LT(incomePixels(frame), 200); // the legend's box only
+        // The arrows step by one and draw.
+        generate(QString::number(busiest - 1));
+        user::click(user::child<QToolButton>(d, "yearUp"));
+        EXPECT_EQ(year->text(), QString::number(busiest));
+        EXPECT_GT(incomePixels(frame), 200);
+
+        // After a resize the frame shows the request to refresh instead of a picture that no
+        // longer fits; "обнови" draws again.
+        auto* grip = d->findChild<QSizeGrip*>();
+        ASSERT_NE(grip, nullptr);
+        const QSize before = frame->size();
+        const QPoint from = grip->rect().center();
+        QTest::mousePress(grip, Qt::LeftButton, {}, from);
+        QTest::mouseMove(grip, from + QPoint(120, 80));
+        QTest::mouseRelease(grip, Qt::LeftButton, {}, from + QPoint(120, 80));
+        QApplication::processEvents();
+        ASSERT_NE(frame->size(), before);
+        EXPECT_EQ(incomePixels(frame), 0);
+        user::click(user::button(d, QStringLiteral("обнови")));
+        EXPECT_GT(incomePixels(frame), 200);
+
+        user::ExpectDialog saveAs([&](QDialog* f) { user::answerFileDialog(f, png); });
+        user::click(user::button(d, QStringLiteral("запиши като PNG ...")));
+        saveAs.verify();
+        EXPECT_EQ(QImage(png).size(), frame->grab().size());
+        EXPECT_TRUE(m_prompter.messages().empty());
+        // A picture that cannot be written is said, not passed over.
+        user::ExpectDialog saveNowhere([&](QDialog* f) { user::answerFileDialog(f, nowhere); });
+        user::click(user::button(d, QStringLiteral("запиши като PNG ...")));
+        saveNowhere.verify();
+        user::click(user::button(d, QStringLiteral("изход")));
+    });
+    user::chooseMenu(m_frame.get(),
+                     {QStringLiteral("Данни"), QStringLiteral("Диаграма за приходите и разходите през годината ...")});
+    chart.verify();
+    ASSERT_EQ(m_prompter.messages().size(), 1u);
+    EXPECT_EQ(m_prompter.messages().back().icon, MessageIcon::Error);
+    EXPECT_NE(m_prompter.messages().back().text.find(nowhere.toStdString()), std::string::npos);
 }
 
 } // namespace

@@ -1,142 +1,118 @@
-// The editors' dialogs, opened from the real main window and driven end to end offscreen.
+// The editors' dialogs, opened from the real main window by their keys and menus and driven with
+// the keyboard and the mouse.
 #include "app/help_window.h"
-#include "app/main_frame.h"
-#include "demo/ledger_generator.h"
-#include "model/recording_prompter.h"
-#include "settings/memory_settings_store.h"
-#include "support/dialog_driver.h"
-#include "support/scripted_host.h"
+#include "support/desktop_session.h"
+#include "support/user.h"
 #include "text/cp1251.h"
 
-#include <QAction>
 #include <QCheckBox>
+#include <QComboBox>
 #include <QDir>
 #include <QFile>
-#include <QRegularExpression>
-#include <QComboBox>
 #include <QHeaderView>
 #include <QLabel>
-#include <QPushButton>
+#include <QLineEdit>
+#include <QPointer>
+#include <QRegularExpression>
+#include <QSizeGrip>
 #include <QTreeWidget>
 #include <gtest/gtest.h>
 
 using namespace finora;
-using test::answerNextDialog;
-using test::click;
-using test::typeInto;
-using test::buttonWithText;
+using namespace finora::test;
 
 namespace {
 
-class EditorDialogsTest : public ::testing::Test {
+class EditorDialogsTest : public DesktopSession {
 protected:
     EditorDialogsTest()
     {
-        m_frame = std::make_unique<CMainFrame>(m_store, m_prompter, m_host, m_clock);
-        Ledger l = generateLedger(200, 5);
-        m_frame->document().replaceLedger(std::move(l));
-        m_frame->view().resetFilter();
+        m_clock.set(DateTime::fromParts(2026, 11, 21, 9));
+        openGenerated(QStringLiteral("дом.fnr"), 200, 5);
     }
 
     CFinoraDoc& doc() { return m_frame->document(); }
-
-    template <class T = QLineEdit>
-    static T* child(QWidget* parent, const char* name)
-    {
-        T* found = parent->findChild<T*>(QString::fromLatin1(name));
-        EXPECT_NE(found, nullptr) << name;
-        return found;
-    }
-
-    static void chooseCurrency(QDialog* d, const QString& name)
-    {
-        auto* combo = child<QComboBox>(d, "currency");
-        const int index = combo->findText(name);
-        ASSERT_GE(index, 0);
-        combo->setCurrentIndex(index);
-        Q_EMIT combo->activated(index);
-    }
-
-    static void selectOnly(QTreeWidget* list, int row)
-    {
-        list->clearSelection();
-        list->topLevelItem(row)->setSelected(true);
-    }
 
     static QTreeWidgetItem* itemNamed(QTreeWidget* tree, const QString& text)
     {
         const QList<QTreeWidgetItem*> found = tree->findItems(text, Qt::MatchExactly | Qt::MatchRecursive, 0);
         return found.isEmpty() ? nullptr : found.first();
     }
-
-    MemorySettingsStore m_store;
-    FixedClock m_clock{DateTime::fromParts(2026, 11, 21, 9)};
-    test::ScriptedHost m_host;
-    RecordingPrompter m_prompter{Answer::Yes};
-    std::unique_ptr<CMainFrame> m_frame;
 };
 
 TEST_F(EditorDialogsTest, AThreePaymentOperationIsEnteredChangedAndTrimmedBeforeTheSave)
 {
-    Settings settings(m_store);
-    settings.setValue(IntSetting::FixingSuggestMode, 1);
-    settings.setValue(IntSetting::AskForFixingSuggestion, 0);
-    settings.setLastFixing("EUR", 1.95583);
+    // The rate last used, as an earlier session left it.
+    Settings(m_store).setLastFixing("EUR", 1.95583);
+    const QStringList suggestLast = {QStringLiteral("Настройки"),
+                                     QStringLiteral("Автоматично предлагай последния използван курс")};
+    const QStringList askForRate = {QStringLiteral("Настройки"),
+                                    QStringLiteral("Питай ме за потвърждение при всяка нова операция")};
+    user::chooseMenu(m_frame.get(), suggestLast);
+    user::chooseMenu(m_frame.get(), askForRate);
+    EXPECT_TRUE(user::lookAtMenu(m_frame.get(), suggestLast)->isChecked());
+    EXPECT_FALSE(user::lookAtMenu(m_frame.get(), askForRate)->isChecked());
     const std::size_t before = doc().operationCount();
     const std::int32_t master = doc().ledger().counters.nextMasterId + 1;
-    bool ran = false;
 
-    answerNextDialog([&](QDialog* d) {
-        ran = true;
+    user::ExpectDialog editor([&](QDialog* d) {
         EXPECT_EQ(d->windowTitle(), QStringLiteral("нова операция"));
-        EXPECT_EQ(child<QLabel>(d, "category")->text(), QStringLiteral("изберете категория"));
-        // The tab key goes from the amount to the currency, as the fields stand.
-        EXPECT_EQ(child(d, "amount")->nextInFocusChain(), child<QComboBox>(d, "currency"));
-        child(d, "description")->setText(QStringLiteral("Почивка в Гърция"));
+        EXPECT_EQ(user::child<QLabel>(d, "category")->text(), QStringLiteral("изберете категория"));
+        auto* amount = user::child<QLineEdit>(d, "amount");
+        auto* currency = user::child<QComboBox>(d, "currency");
+        auto* rate = user::child<QLineEdit>(d, "rate");
+        auto* value = user::child<QLineEdit>(d, "value");
+        auto* total = user::child<QLineEdit>(d, "total");
+        auto* list = user::child<QTreeWidget>(d, "payments");
+        user::type(user::child<QLineEdit>(d, "description"), QStringLiteral("Почивка в Гърция"));
         // The category from the chooser, by a double click in its tree.
-        answerNextDialog([&](QDialog* chooser) {
-            auto* tree = child<QTreeWidget>(chooser, "categoryTree");
+        user::ExpectDialog chooser([](QDialog* c) {
+            auto* tree = user::child<QTreeWidget>(c, "categoryTree");
             QTreeWidgetItem* item = tree->topLevelItem(0);
-            EXPECT_FALSE(buttonWithText(chooser, QStringLiteral("избери"))->isEnabled());
-            Q_EMIT tree->itemDoubleClicked(item, 0);
-            EXPECT_EQ(child<QLabel>(chooser, "chosen")->text(), item->text(0));
-            click(chooser, QStringLiteral("избери"));
+            EXPECT_FALSE(user::button(c, QStringLiteral("избери"))->isEnabled());
+            user::doubleClickItem(tree, item);
+            EXPECT_EQ(user::child<QLabel>(c, "chosen")->text(), item->text(0));
+            user::click(user::button(c, QStringLiteral("избери")));
         });
-        click(d, QStringLiteral("..."));
-        EXPECT_NE(child<QLabel>(d, "category")->text(), QStringLiteral("изберете категория"));
+        user::click(user::button(d, QStringLiteral("...")));
+        chooser.verify();
+        EXPECT_NE(user::child<QLabel>(d, "category")->text(), QStringLiteral("изберете категория"));
 
-        typeInto(child(d, "amount"), QStringLiteral("100"));
-        click(d, QStringLiteral("&добави/промени"));
-        typeInto(child(d, "amount"), QStringLiteral("50"));
-        chooseCurrency(d, QStringLiteral("EUR"));
-        EXPECT_EQ(child(d, "rate")->text(), QStringLiteral("1.955830")); // suggested
-        EXPECT_EQ(child(d, "value")->text(), QStringLiteral("97.79"));
-        click(d, QStringLiteral("&добави/промени"));
-        typeInto(child(d, "amount"), QStringLiteral("20"));
-        chooseCurrency(d, QStringLiteral("USD"));
-        typeInto(child(d, "rate"), QStringLiteral("1.8"));
-        EXPECT_EQ(child(d, "value")->text(), QStringLiteral("36.00"));
-        click(d, QStringLiteral("&добави/промени"));
-        auto* list = child<QTreeWidget>(d, "payments");
+        user::retype(amount, QStringLiteral("100"));
+        // The tab key goes from the amount to the currency, as the fields stand.
+        user::press(d, Qt::Key_Tab);
+        EXPECT_EQ(QApplication::focusWidget(), currency);
+        user::click(user::button(d, QStringLiteral("добави/промени")));
+        user::retype(amount, QStringLiteral("50"));
+        user::pickFromList(currency, QStringLiteral("EUR"));
+        EXPECT_EQ(rate->text(), QStringLiteral("1.955830")); // suggested
+        EXPECT_EQ(value->text(), QStringLiteral("97.79"));
+        user::click(user::button(d, QStringLiteral("добави/промени")));
+        user::retype(amount, QStringLiteral("20"));
+        user::pickFromList(currency, QStringLiteral("USD"));
+        user::retype(rate, QStringLiteral("1.8"));
+        user::press(d, Qt::Key_Tab);
+        EXPECT_EQ(value->text(), QStringLiteral("36.00"));
+        user::click(user::button(d, QStringLiteral("добави/промени")));
         ASSERT_EQ(list->topLevelItemCount(), 3);
-        EXPECT_EQ(child(d, "total")->text(), QStringLiteral("233.79 "));
+        EXPECT_EQ(total->text(), QStringLiteral("233.79 "));
 
         // Change the first payment (now at the bottom) to 120 BGL.
-        selectOnly(list, 2);
-        click(d, QStringLiteral("р&едакция"));
-        EXPECT_EQ(child(d, "amount")->text(), QStringLiteral("100.00"));
-        typeInto(child(d, "amount"), QStringLiteral("120"));
-        click(d, QStringLiteral("&добави/промени"));
+        user::clickItem(list, list->topLevelItem(2));
+        user::click(user::button(d, QStringLiteral("редакция")));
+        EXPECT_EQ(amount->text(), QStringLiteral("100.00"));
+        user::retype(amount, QStringLiteral("120"));
+        user::click(user::button(d, QStringLiteral("добави/промени")));
         EXPECT_EQ(list->topLevelItem(2)->text(1), QStringLiteral("120.00"));
         // Delete the USD payment; it never reaches the ledger.
-        selectOnly(list, 0);
-        click(d, QStringLiteral("из&трий"));
+        user::clickItem(list, list->topLevelItem(0));
+        user::click(user::button(d, QStringLiteral("изтрий")));
         ASSERT_EQ(list->topLevelItemCount(), 2);
-        EXPECT_EQ(child(d, "total")->text(), QStringLiteral("217.79 "));
-        click(d, QStringLiteral("&съхрани"));
+        EXPECT_EQ(total->text(), QStringLiteral("217.79 "));
+        user::click(user::button(d, QStringLiteral("съхрани")));
     });
-    m_frame->action("actionAddRecord")->trigger();
-    ASSERT_TRUE(ran);
+    user::press(m_frame.get(), Qt::Key_F8);
+    editor.verify();
 
     EXPECT_EQ(doc().operationCount(), before + 2);
     std::vector<Operation> saved;
@@ -153,50 +129,52 @@ TEST_F(EditorDialogsTest, AThreePaymentOperationIsEnteredChangedAndTrimmedBefore
     EXPECT_EQ(saved[1].amountBgl(), 97.79);
     EXPECT_EQ(cp1251::toUtf8(saved[0].description()), "Почивка в Гърция");
     // The list shows them at once, newest on top.
-    EXPECT_EQ(m_frame->view().list().rowId(0), saved[1].id());
+    EXPECT_EQ(cell(0, 0), QString::number(saved[1].id()));
 
-    // Opening the stored operation again shows both payments, the edited one selected.
-    m_frame->view().list().setSelected(0, true);
-    ran = false;
-    answerNextDialog([&](QDialog* d) {
-        ran = true;
-        auto* list = child<QTreeWidget>(d, "payments");
-        EXPECT_EQ(list->topLevelItemCount(), 2);
-        EXPECT_FALSE(buttonWithText(d, QStringLiteral("съхрани и добави &нова"))->isVisible());
-        EXPECT_EQ(child(d, "description")->text(), QStringLiteral("Почивка в Гърция"));
-        d->reject();
+    // A double click on the stored operation opens it again with both payments.
+    user::ExpectDialog again([](QDialog* d) {
+        EXPECT_EQ(user::child<QTreeWidget>(d, "payments")->topLevelItemCount(), 2);
+        EXPECT_FALSE(user::button(d, QStringLiteral("съхрани и добави нова"))->isVisible());
+        EXPECT_EQ(user::child<QLineEdit>(d, "description")->text(), QStringLiteral("Почивка в Гърция"));
+        QTest::keyClick(d, Qt::Key_Escape);
     });
-    m_frame->action("actionEditRecord")->trigger();
-    EXPECT_TRUE(ran);
+    user::doubleClickIndex(table(), table()->model()->index(0, 3));
+    again.verify();
 }
 
 TEST_F(EditorDialogsTest, EditorsAreRefusedOnALockedLedger)
 {
-    doc().setLock("тайна");
-    for (const char* name : {"actionAddRecord", "actionAddInCategory", "actionCurrencyCash", "actionCategories"}) {
+    protectWith(QStringLiteral("тайна"));
+    const std::pair<int, Qt::KeyboardModifiers> keys[] = {
+        {Qt::Key_F8, Qt::NoModifier},      // a new operation
+        {Qt::Key_F7, Qt::NoModifier},      // a new operation in the chosen category
+        {Qt::Key_F1, Qt::ControlModifier}, // currency cash
+        {Qt::Key_F2, Qt::ControlModifier}, // the categories
+    };
+    for (const auto& [key, modifiers] : keys) {
         m_prompter.clear();
-        m_frame->action(name)->trigger(); // a dialog opening here would block the test
-        ASSERT_EQ(m_prompter.messages().size(), 1u) << name;
+        user::press(m_frame.get(), key, modifiers); // a dialog opening here fails the test
+        ASSERT_EQ(m_prompter.messages().size(), 1u) << key;
         EXPECT_EQ(m_prompter.messages().back().caption, "Заключен");
+        EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
     }
 }
 
 TEST_F(EditorDialogsTest, CategoriesAreCreatedMovedAndDeleted)
 {
-    bool ran = false;
-    answerNextDialog([&](QDialog* d) {
-        ran = true;
+    user::ExpectDialog categories([&](QDialog* d) {
         EXPECT_EQ(d->windowTitle(), QStringLiteral("категории"));
-        auto* tree = child<QTreeWidget>(d, "categoryTree");
-        auto* list = child<QTreeWidget>(d, "categoryList");
+        auto* tree = user::child<QTreeWidget>(d, "categoryTree");
+        auto* list = user::child<QTreeWidget>(d, "categoryList");
         const int rows = list->topLevelItemCount();
-        EXPECT_FALSE(buttonWithText(d, QStringLiteral("&промяна"))->isEnabled());
+        EXPECT_FALSE(user::button(d, QStringLiteral("промяна"))->isEnabled());
 
-        answerNextDialog([](QDialog* c) {
-            c->findChild<QLineEdit*>()->setText(QStringLiteral("Градина"));
-            click(c, QStringLiteral("&създай"));
+        user::ExpectDialog name([](QDialog* c) {
+            user::type(c->findChild<QLineEdit*>(), QStringLiteral("Градина"));
+            user::click(user::button(c, QStringLiteral("създай")));
         });
-        click(d, QStringLiteral("&нова категория"));
+        user::click(user::button(d, QStringLiteral("нова категория")));
+        name.verify();
         EXPECT_EQ(list->topLevelItemCount(), rows + 1);
         EXPECT_EQ(list->topLevelItem(0)->text(1), QStringLiteral("Градина"));
         QTreeWidgetItem* garden = itemNamed(tree, QStringLiteral("Градина"));
@@ -204,102 +182,141 @@ TEST_F(EditorDialogsTest, CategoriesAreCreatedMovedAndDeleted)
         EXPECT_EQ(garden->parent(), nullptr);
 
         // Below the first top-level category, chosen by a double click in the parent tree.
-        tree->setCurrentItem(garden);
+        user::clickItem(tree, garden);
+        EXPECT_TRUE(user::button(d, QStringLiteral("промяна"))->isEnabled());
         const QString parentName = tree->topLevelItem(0)->text(0);
-        answerNextDialog([&](QDialog* c) {
+        user::ExpectDialog change([&](QDialog* c) {
             EXPECT_EQ(c->windowTitle(), QStringLiteral("Промяна на категория"));
-            auto* parents = child<QTreeWidget>(c, "categoryTree");
+            auto* parents = user::child<QTreeWidget>(c, "categoryTree");
             EXPECT_FALSE(parents->isEnabled());
-            buttonWithText(c, QStringLiteral("подкатегория на:"))->click();
+            user::click(user::button(c, QStringLiteral("подкатегория на:")));
             EXPECT_TRUE(parents->isEnabled());
-            Q_EMIT parents->itemDoubleClicked(parents->topLevelItem(0), 0);
-            EXPECT_EQ(child<QLabel>(c, "parent")->text(), parentName);
-            click(c, QStringLiteral("&създай"));
+            user::doubleClickItem(parents, parents->topLevelItem(0));
+            EXPECT_EQ(user::child<QLabel>(c, "parent")->text(), parentName);
+            user::click(user::button(c, QStringLiteral("създай")));
         });
-        click(d, QStringLiteral("&промяна"));
+        user::click(user::button(d, QStringLiteral("промяна")));
+        change.verify();
         garden = itemNamed(tree, QStringLiteral("Градина"));
         ASSERT_NE(garden, nullptr);
         ASSERT_NE(garden->parent(), nullptr);
         EXPECT_EQ(garden->parent()->text(0), parentName);
 
         // A category with records stays; the new one goes.
-        tree->setCurrentItem(tree->topLevelItem(0));
-        click(d, QStringLiteral("&изтрий"));
+        user::clickItem(tree, tree->topLevelItem(0));
+        user::click(user::button(d, QStringLiteral("изтрий")));
         EXPECT_EQ(m_prompter.messages().back().caption, "Отказ");
-        tree->setCurrentItem(garden);
-        click(d, QStringLiteral("&изтрий"));
+        EXPECT_NE(itemNamed(tree, parentName), nullptr);
+        user::clickItem(tree, itemNamed(tree, QStringLiteral("Градина")));
+        user::click(user::button(d, QStringLiteral("изтрий")));
         EXPECT_EQ(itemNamed(tree, QStringLiteral("Градина")), nullptr);
-        click(d, QStringLiteral("изхо&д"));
+        user::click(user::button(d, QStringLiteral("изход")));
     });
-    m_frame->action("actionCategories")->trigger();
-    ASSERT_TRUE(ran);
+    user::press(m_frame.get(), Qt::Key_F2, Qt::ControlModifier);
+    categories.verify();
     const auto* added = doc().ledger().categories.findIf(
         [](const Category& c) { return cp1251::toUtf8(c.name()) == "Градина"; });
     EXPECT_EQ(added, nullptr);
-    EXPECT_TRUE(doc().isModified());
+    EXPECT_TRUE(m_frame->isWindowModified());
 }
 
 TEST_F(EditorDialogsTest, CurrenciesAreAddedRenamedAndDeleted)
 {
-    bool ran = false;
-    answerNextDialog([&](QDialog* d) {
-        ran = true;
+    user::ExpectDialog cash([&](QDialog* d) {
         EXPECT_EQ(d->windowTitle(), QStringLiteral("валутна каса"));
-        auto* list = child<QTreeWidget>(d, "cashList");
+        auto* list = user::child<QTreeWidget>(d, "cashList");
         EXPECT_EQ(list->topLevelItemCount(), 4);
         EXPECT_EQ(list->topLevelItem(0)->text(1), QStringLiteral("BGL"));
 
-        answerNextDialog([](QDialog* n) {
+        user::ExpectDialog added([](QDialog* n) {
             EXPECT_EQ(n->windowTitle(), QStringLiteral("Нова валута"));
             auto* edit = n->findChild<QLineEdit*>();
-            EXPECT_FALSE(buttonWithText(n, QStringLiteral("&съхрани"))->isEnabled());
-            edit->setText(QStringLiteral("chf"));
+            EXPECT_FALSE(user::button(n, QStringLiteral("съхрани"))->isEnabled());
+            user::type(edit, QStringLiteral("chf"));
             EXPECT_EQ(edit->text(), QStringLiteral("CHF"));
-            click(n, QStringLiteral("&съхрани"));
+            user::click(user::button(n, QStringLiteral("съхрани")));
         });
-        click(d, QStringLiteral("&нова валута"));
+        user::click(user::button(d, QStringLiteral("нова валута")));
+        added.verify();
         ASSERT_EQ(list->topLevelItemCount(), 5);
         EXPECT_EQ(list->topLevelItem(0)->text(1), QStringLiteral("CHF"));
         EXPECT_EQ(list->topLevelItem(0)->text(4), QStringLiteral("n/a"));
 
-        selectOnly(list, 0);
-        answerNextDialog([](QDialog* n) {
+        user::clickItem(list, list->topLevelItem(0));
+        user::ExpectDialog renamed([](QDialog* n) {
             EXPECT_EQ(n->windowTitle(), QStringLiteral("Промяна"));
-            n->findChild<QLineEdit*>()->setText(QStringLiteral("чшф"));
-            click(n, QStringLiteral("&съхрани"));
+            user::retype(n->findChild<QLineEdit*>(), QStringLiteral("чшф"));
+            user::click(user::button(n, QStringLiteral("съхрани")));
         });
-        click(d, QStringLiteral("&промяна"));
+        user::click(user::button(d, QStringLiteral("промяна")));
+        renamed.verify();
         EXPECT_EQ(list->topLevelItem(0)->text(1), QStringLiteral("ЧШФ"));
 
         // Sorting by the record count puts the unused currency first.
-        Q_EMIT list->header()->sectionClicked(5);
+        user::clickHeader(list->header(), 5);
         EXPECT_EQ(list->topLevelItem(0)->text(1), QStringLiteral("ЧШФ"));
 
-        selectOnly(list, 0);
-        click(d, QStringLiteral("&изтриване"));
+        user::clickItem(list, list->topLevelItem(0));
+        user::click(user::button(d, QStringLiteral("изтриване")));
         EXPECT_EQ(list->topLevelItemCount(), 4);
-        click(d, QStringLiteral("&затвори"));
+        user::click(user::button(d, QStringLiteral("затвори")));
     });
-    m_frame->action("actionCurrencyCash")->trigger();
-    ASSERT_TRUE(ran);
+    user::press(m_frame.get(), Qt::Key_F1, Qt::ControlModifier);
+    cash.verify();
     EXPECT_EQ(doc().currencyId(cp1251::fromUtf8OrThrow("ЧШФ")), -1);
     EXPECT_EQ(doc().ledger().counters.nextCurrencyId, 4);
 }
 
+// The help window's topic once it shows, or "" when none is open.
+QString helpTopicOf(QWidget* owner)
+{
+    HelpWindow* help = helpWindowOf(owner);
+    return help && help->isVisible() ? help->currentTopic() : QString();
+}
+
 TEST_F(EditorDialogsTest, HelpOpensAtItsTopics)
 {
-    m_frame->action("actionHelp")->trigger();
-    HelpWindow* help = helpWindowOf(m_frame.get());
+    user::press(m_frame.get(), Qt::Key_F1);
+    QPointer<HelpWindow> help = helpWindowOf(m_frame.get());
     ASSERT_NE(help, nullptr);
-    EXPECT_TRUE(help->isVisible());
-    EXPECT_EQ(help->currentTopic(), QStringLiteral("index.htm"));
+    EXPECT_EQ(helpTopicOf(m_frame.get()), QStringLiteral("index.htm"));
+    user::chooseMenu(m_frame.get(), {QStringLiteral("Помощ"), QStringLiteral("По-ефективна работа с продукта ...")});
+    EXPECT_EQ(helpTopicOf(m_frame.get()), QStringLiteral("efective.htm"));
+    user::click(user::button(help, QStringLiteral("Съдържание")));
+    EXPECT_EQ(helpTopicOf(m_frame.get()), QStringLiteral("index.htm"));
+    user::click(user::button(help, QStringLiteral("< Назад")));
+    EXPECT_EQ(helpTopicOf(m_frame.get()), QStringLiteral("efective.htm"));
+    user::click(user::button(help, QStringLiteral("Затвори")));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return help.isNull(); }, 1000)) << "the help window stayed";
+
+    // The "?" of each editor opens its own page.
+    const std::tuple<int, Qt::KeyboardModifiers, QString> editors[] = {
+        {Qt::Key_F8, Qt::NoModifier, QStringLiteral("ops_elem.htm")},
+        {Qt::Key_F1, Qt::ControlModifier, QStringLiteral("case_elem.htm")},
+        {Qt::Key_F2, Qt::ControlModifier, QStringLiteral("cat_elem.htm")},
+    };
+    for (const auto& [key, modifiers, topic] : editors) {
+        QString opened;
+        user::ExpectDialog dialog([&opened](QDialog* d) {
+            user::click(user::button(d, QStringLiteral("?")));
+            opened = helpTopicOf(d);
+            QTest::keyClick(d, Qt::Key_Escape);
+        });
+        user::press(m_frame.get(), key, modifiers);
+        dialog.verify();
+        EXPECT_EQ(opened, topic);
+    }
+
+    // The pages no button names are reached by links from the others, checked below; an unknown
+    // topic falls back to the contents. Neither has a control of its own.
+    user::press(m_frame.get(), Qt::Key_F1);
+    help = helpWindowOf(m_frame.get());
+    ASSERT_NE(help, nullptr);
     help->showTopic(QStringLiteral("help.chm::/no_such_page.htm"));
     EXPECT_EQ(help->currentTopic(), QStringLiteral("index.htm"));
-    // Every topic the program names has its own page, and every link between pages leads somewhere.
-    for (const char* topic : {"efective.htm", "help.chm::/ops_elem.htm", "case_elem.htm", "cat_elem.htm",
-                              "filters.htm", "report.htm", "safety.htm"}) {
+    for (const char* topic : {"filters.htm", "report.htm", "safety.htm"}) {
         help->showTopic(QString::fromLatin1(topic));
-        EXPECT_EQ(help->currentTopic(), QString::fromLatin1(topic).section(QLatin1Char('/'), -1)) << topic;
+        EXPECT_EQ(help->currentTopic(), QString::fromLatin1(topic)) << topic;
     }
     const QRegularExpression link(QStringLiteral("href=\"([^\"]+)\""));
     for (const QString& page : QDir(QStringLiteral(":/help")).entryList({QStringLiteral("*.htm")})) {
@@ -312,31 +329,35 @@ TEST_F(EditorDialogsTest, HelpOpensAtItsTopics)
             EXPECT_TRUE(QFile::exists(QStringLiteral(":/help/") + target)) << page.toStdString() << " -> " << target.toStdString();
         }
     }
-    help->close();
+    user::click(user::button(help, QStringLiteral("Затвори")));
 }
-
-} // namespace
-
-namespace {
 
 TEST_F(EditorDialogsTest, ResizableDialogsReopenAtTheSizeTheyWereLeftAt)
 {
     QSize left;
-    answerNextDialog([&](QDialog* d) {
-        EXPECT_TRUE(d->isSizeGripEnabled());
+    user::ExpectDialog first([&](QDialog* d) {
+        auto* grip = d->findChild<QSizeGrip*>();
+        ASSERT_NE(grip, nullptr);
         EXPECT_GT(d->minimumWidth(), 0);
-        d->resize(d->width() + 90, d->height() + 40);
+        const QSize opened = d->size();
+        // The corner dragged 90 pixels in and 40 down.
+        const QPoint from = grip->rect().center();
+        QTest::mousePress(grip, Qt::LeftButton, {}, from);
+        QTest::mouseMove(grip, from + QPoint(-90, 40));
+        QTest::mouseRelease(grip, Qt::LeftButton, {}, from + QPoint(-90, 40));
         left = d->size();
-        d->accept();
+        EXPECT_EQ(left, opened + QSize(-90, 40));
+        user::click(user::button(d, QStringLiteral("затвори")));
     });
-    m_frame->action("actionCurrencyCash")->trigger();
-    EXPECT_FALSE(m_store.readText("WindowPositions", "currencyCash", "").empty());
+    user::press(m_frame.get(), Qt::Key_F1, Qt::ControlModifier);
+    first.verify();
     QSize reopened;
-    answerNextDialog([&](QDialog* d) {
+    user::ExpectDialog second([&](QDialog* d) {
         reopened = d->size();
-        d->accept();
+        QTest::keyClick(d, Qt::Key_Escape);
     });
-    m_frame->action("actionCurrencyCash")->trigger();
+    user::press(m_frame.get(), Qt::Key_F1, Qt::ControlModifier);
+    second.verify();
     EXPECT_EQ(reopened, left);
 }
 

@@ -31,7 +31,6 @@ namespace {
 class FirstUseTest : public DesktopSession {
 protected:
     void start(int operations) { openGenerated(QStringLiteral("първи.fnr"), operations, 5); }
-    QTableView* table() { return m_frame->view().table(); }
     QWidget* focused() { return QApplication::focusWidget(); }
     // Where the keyboard focus is, as a test reads it: the object's name or the text it shows.
     static QString nameOf(QWidget* w)
@@ -210,13 +209,7 @@ TEST_F(FirstUseTest, AnOperationSavedOutsideTheShownPeriodIsToldInTheStatusBar)
     const std::size_t shownBefore = m_frame->view().list().rowCount();
     user::ExpectDialog editor([&](QDialog* d) {
         user::type(d->findChild<QLineEdit*>(QStringLiteral("description")), QStringLiteral("Стара сметка"));
-        user::ExpectDialog chooser([](QDialog* c) {
-            auto* tree = c->findChild<QTreeWidget*>();
-            user::doubleClick(tree->viewport(), tree->visualItemRect(tree->topLevelItem(0)).center());
-            QTest::keyClick(c, Qt::Key_Return);
-        });
-        user::click(user::button(d, QStringLiteral("...")));
-        chooser.verify();
+        chooseFirstCategory(d);
         // A year long before the shown period, typed day by day into the date.
         // Back from the description past the type choice into the date, whose year that selects.
         auto* date = d->findChild<QDateEdit*>();

@@ -1,53 +1,38 @@
-// The printed report through a real printer: a PDF file, read back as text.
-#include "app/main_frame.h"
-#include "demo/ledger_generator.h"
-#include "model/recording_prompter.h"
-#include "settings/memory_settings_store.h"
+// The printed report as the menus make it: a PDF file read back as text, and the preview.
+#include "support/desktop_session.h"
 #include "support/rendered_output.h"
-#include "support/scripted_host.h"
-#include "text/cp1251.h"
+#include "support/user.h"
 
-#include "support/dialog_driver.h"
-
-#include <QAction>
 #include <QFile>
+#include <QLabel>
 #include <QPrintPreviewWidget>
-#include <QTemporaryDir>
 #include <gtest/gtest.h>
 
 using namespace finora;
-using test::pdfText;
+using namespace finora::test;
 
 namespace {
 
 // A main window over a generated ledger, its list showing every operation.
-class Report : public ::testing::Test {
+class Report : public DesktopSession {
 protected:
-    void open(std::int64_t operations, std::uint64_t seed)
-    {
-        frame.document().replaceLedger(generateLedger(operations, seed));
-        frame.view().resetFilter();
-    }
-
-    MemorySettingsStore store;
-    FixedClock clock{DateTime::fromParts(2026, 11, 21, 9, 5)};
-    test::ScriptedHost host;
-    RecordingPrompter prompter;
-    CMainFrame frame{store, prompter, host, clock};
+    Report() { m_clock.set(DateTime::fromParts(2026, 11, 21, 9, 5)); }
+    QString shownText(const char* label) { return user::child<QLabel>(m_frame.get(), label)->text(); }
 };
 
 TEST_F(Report, AGeneratedListPrintsToAPdfWithTitleTotalsAndPageNumbers)
 {
-    open(80, 11);
-    frame.document().setPath("/tmp/домашен бюджет.fnr");
-    frame.view().refresh();
-    const std::size_t rows = frame.view().list().rowCount();
-    ASSERT_GT(rows, 50u);
-    ASSERT_LE(rows, 100u);
+    openGenerated(QStringLiteral("бюджет.fnr"), 80, 11);
+    const int rows = shownRows();
+    ASSERT_GT(rows, 50);
+    ASSERT_LE(rows, 100);
 
-    QTemporaryDir dir;
-    const QString path = dir.filePath(QStringLiteral("справка.pdf"));
-    ASSERT_TRUE(frame.report().exportPdf(path));
+    const QStringList exportPdf = {QStringLiteral("Файл"), QStringLiteral("Запиши справката като PDF ...")};
+    const QString path = m_dir.filePath(QStringLiteral("справка.pdf"));
+    m_host.exportPaths.push_back(path.toStdString());
+    user::chooseMenu(m_frame.get(), exportPdf);
+    ASSERT_EQ(m_host.exportRequests.size(), 1u);
+    EXPECT_EQ(m_host.exportRequests[0].filter, "PDF (*.pdf)");
     if (const QString keep = qEnvironmentVariable("FINORA_SHOTS_DIR"); !keep.isEmpty()) {
         QFile::copy(path, keep + QStringLiteral("/report.pdf"));
     }
@@ -60,34 +45,34 @@ TEST_F(Report, AGeneratedListPrintsToAPdfWithTitleTotalsAndPageNumbers)
     EXPECT_TRUE(pages[0].contains(QStringLiteral("1/2")));
     EXPECT_FALSE(pages[0].contains(QStringLiteral("БАЛАНС:")));
     EXPECT_TRUE(pages[1].contains(QStringLiteral("2/2")));
-    EXPECT_TRUE(pages[1].contains(QStringLiteral("файл: /tmp/домашен бюджет.fnr")));
-    const ListTotals& totals = frame.view().list().totals();
-    for (const std::string& total : {totals.incomeText(), totals.expenseText(), totals.balanceText()}) {
-        EXPECT_TRUE(pages[1].contains(QString::fromStdString(cp1251::toUtf8(total)))) << total;
+    EXPECT_TRUE(pages[1].contains(QStringLiteral("файл: ") + m_file)) << pages[1].toStdString();
+    // The totals as the window shows them under the list.
+    for (const char* total : {"income", "expense", "balance"}) {
+        EXPECT_TRUE(pages[1].contains(shownText(total))) << total << ": " << shownText(total).toStdString();
     }
     EXPECT_TRUE(pages[1].contains(QStringLiteral("ПРИХОД:")));
     EXPECT_TRUE(pages[1].contains(QStringLiteral("БАЛАНС:")));
 
-    // An empty list prints nothing.
-    frame.document().deleteAllOperations();
-    frame.view().refresh();
-    EXPECT_FALSE(frame.report().exportPdf(dir.filePath(QStringLiteral("празна.pdf"))));
+    // An empty list prints nothing: the command is off.
+    user::chooseMenu(m_frame.get(), {QStringLiteral("Редакция"), QStringLiteral("Изтрий всички")});
+    EXPECT_EQ(shownRows(), 0);
+    EXPECT_FALSE(user::lookAtMenu(m_frame.get(), exportPdf)->isEnabled());
 }
 
 TEST_F(Report, ThePreviewShowsEveryPage)
 {
-    open(120, 4);
-    const std::size_t rows = frame.view().list().rowCount();
+    openGenerated(QStringLiteral("преглед.fnr"), 120, 4);
+    const int rows = shownRows();
     int pages = -1;
-    test::answerNextDialog([&](QDialog* d) {
-        auto* preview = d->findChild<QPrintPreviewWidget*>();
-        ASSERT_NE(preview, nullptr);
-        preview->updatePreview();
-        pages = preview->pageCount();
-        d->reject();
+    user::ExpectDialog preview([&](QDialog* d) {
+        auto* widget = d->findChild<QPrintPreviewWidget*>();
+        ASSERT_NE(widget, nullptr);
+        pages = widget->pageCount();
+        QTest::keyClick(d, Qt::Key_Escape);
     });
-    frame.action("actionPrintPreview")->trigger();
-    EXPECT_EQ(pages, static_cast<int>((rows + 49) / 50));
+    user::chooseMenu(m_frame.get(), {QStringLiteral("Файл"), QStringLiteral("Предпечатен изглед на справката ...")});
+    preview.verify();
+    EXPECT_EQ(pages, (rows + 49) / 50);
 }
 
 } // namespace

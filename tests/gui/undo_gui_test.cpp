@@ -7,7 +7,6 @@
 #include "settings/memory_settings_store.h"
 #include "storage/file_io.h"
 #include "storage/ledger_format.h"
-#include "support/dialog_driver.h"
 #include "support/file_bytes.h"
 #include "support/scripted_host.h"
 #include "support/user.h"
@@ -139,7 +138,7 @@ TEST_F(UndoGuiTest, AnOperationOfTwoPaymentsSavedInTheEditorGoesWithOneCtrlZ)
             user::bringUp(d);
             auto* description = d->findChild<QLineEdit*>(QStringLiteral("description"));
             description->setFocus();
-            typeKeys(description, QStringLiteral("Ремонт на покрива"));
+            user::type(description, QStringLiteral("Ремонт на покрива"));
             {
                 user::ExpectDialog chooser([](QDialog* c) {
                     user::bringUp(c);
@@ -188,7 +187,7 @@ TEST_F(UndoGuiTest, CtrlZIsRefusedWhileTheLedgerIsLocked)
             user::bringUp(d);
             for (QLineEdit* field : d->findChildren<QLineEdit*>()) {
                 field->setFocus();
-                typeKeys(field, QStringLiteral("тайна"));
+                user::type(field, QStringLiteral("тайна"));
             }
             user::click(user::button(d, QStringLiteral("OK")));
         });

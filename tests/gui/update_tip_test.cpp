@@ -1,19 +1,20 @@
-// The update check against a server on loopback, and the tip dialog on a real file.
-#include "app/tip_dialog.h"
+// The help menu's update check against a server on loopback, and its tip of the day on a real file.
 #include "app/update_check.h"
-#include "model/recording_prompter.h"
-#include "settings/memory_settings_store.h"
+#include "support/desktop_session.h"
+#include "support/user.h"
+#include "tips/tip_file.h"
 
-#include <QAbstractButton>
+#include <QDir>
 #include <QFile>
+#include <QLabel>
 #include <QTcpServer>
 #include <QTcpSocket>
-#include <QTemporaryDir>
 #include <gtest/gtest.h>
 
 #include <map>
 
 using namespace finora;
+using namespace finora::test;
 
 namespace {
 
@@ -61,17 +62,36 @@ CheckResult check(const QUrl& versionFile)
     return r;
 }
 
-TEST(UpdateCheck, ComparesTheFirstNumberOfTheVersionFile)
+// The window, for the commands of its help menu.
+class HelpMenu : public DesktopSession {
+protected:
+    HelpMenu() { startFrame(); }
+    void checkForUpdates()
+    {
+        user::chooseMenu(m_frame.get(), {QStringLiteral("Помощ"), QStringLiteral("Проверка за нова версия ...")});
+    }
+    // Where the program looks for its version file: a setting with no window of its own.
+    void useVersionFile(const QUrl& url)
+    {
+        Settings(m_store).setText(TextSetting::UpdateVersionFile, url.toString().toStdString());
+    }
+};
+
+TEST_F(HelpMenu, TheUpdateCheckComparesTheFirstNumberOfTheVersionFile)
 {
     for (const QByteArray& same : {QByteArray("1.501\n"), QByteArray("1,7\r\n"), QByteArray("няма версия")}) {
         LoopbackServer server({{QStringLiteral("/version.txt"), same}});
-        const CheckResult r = check(server.url("/version.txt"));
-        ASSERT_EQ(r.messages.size(), 2u) << same.toStdString();
-        EXPECT_EQ(r.messages[0].caption, "Връзка с интернет");
-        EXPECT_EQ(r.messages[1].text, UpdateCheck::kLatestText);
-        EXPECT_TRUE(r.opened.empty());
+        useVersionFile(server.url("/version.txt"));
+        m_prompter.clear();
+        checkForUpdates();
+        const std::vector<Message>& said = m_prompter.messages();
+        ASSERT_EQ(said.size(), 2u) << same.toStdString();
+        EXPECT_EQ(said[0].caption, "Връзка с интернет");
+        EXPECT_EQ(said[1].text, UpdateCheck::kLatestText);
     }
 
+    // A newer version is offered for download. Through the menu a yes would start the desktop's
+    // browser, so the check runs here with an opener of the test's own.
     LoopbackServer newer({{QStringLiteral("/dl/version.txt"), "1.6 beta\nчерновa\n"},
                           {QStringLiteral("/dl/download.txt"), "https://example.org/finora-1.6.exe\n"}});
     const CheckResult r = check(newer.url("/dl/version.txt"));
@@ -86,51 +106,76 @@ TEST(UpdateCheck, ComparesTheFirstNumberOfTheVersionFile)
     EXPECT_EQ(r.opened[0], QUrl(QStringLiteral("https://example.org/finora-1.6.exe")));
 }
 
-TEST(UpdateCheck, NoServerMeansTheLatestVersionAndNoRefusalAsks)
+TEST_F(HelpMenu, NoServerMeansTheLatestVersionAndNoRefusalAsks)
 {
     QTcpServer closed;
     closed.listen(QHostAddress::LocalHost);
     const QUrl nowhere(QStringLiteral("http://127.0.0.1:%1/version.txt").arg(closed.serverPort()));
     closed.close();
-    const CheckResult r = check(nowhere);
-    ASSERT_EQ(r.messages.size(), 2u);
-    EXPECT_EQ(r.messages[1].text, UpdateCheck::kLatestText);
+    useVersionFile(nowhere);
+    checkForUpdates();
+    ASSERT_EQ(m_prompter.messages().size(), 2u);
+    EXPECT_EQ(m_prompter.messages()[1].text, UpdateCheck::kLatestText);
 
-    RecordingPrompter no(Answer::No);
-    bool opened = false;
-    UpdateCheck(no, nowhere, [&](const QUrl&) { opened = true; }).run();
-    EXPECT_EQ(no.messages().size(), 1u); // "No" to going online ends it
-    EXPECT_FALSE(opened);
+    m_prompter.clear();
+    m_prompter.queue(Answer::No);
+    checkForUpdates();
+    EXPECT_EQ(m_prompter.messages().size(), 1u); // "No" to going online ends it
 }
 
-TEST(TipDialog, StepsThroughTheTipsAndKeepsThePlace)
+// The program's folder while it lives: the tips file is looked for there first.
+class CurrentFolder {
+public:
+    explicit CurrentFolder(const QString& path) : m_was(QDir::currentPath()) { QDir::setCurrent(path); }
+    ~CurrentFolder() { QDir::setCurrent(m_was); }
+    CurrentFolder(const CurrentFolder&) = delete;
+    CurrentFolder& operator=(const CurrentFolder&) = delete;
+
+private:
+    QString m_was;
+};
+
+TEST_F(HelpMenu, TheTipOfTheDayStepsThroughTheTipsAndKeepsThePlace)
 {
-    QTemporaryDir dir;
-    const QString path = dir.filePath(QStringLiteral("tips.txt"));
-    QFile file(path);
+    const CurrentFolder here(m_dir.path());
+    QFile file(QStringLiteral("tips.txt"));
     ASSERT_TRUE(file.open(QIODevice::WriteOnly));
     file.write("; коментар\nПърви съвет\nВтори съвет\n");
     file.close();
-    MemorySettingsStore store;
-    Settings settings(store);
-    RecordingPrompter prompter;
-    {
-        TipDialog dialog(path, settings, prompter);
-        EXPECT_EQ(dialog.tipText(), QStringLiteral("Първи съвет"));
-        for (QAbstractButton* b : dialog.findChildren<QAbstractButton*>()) {
-            if (b->text() == QStringLiteral("&Следващия")) {
-                b->click();
-            }
-        }
-        EXPECT_EQ(dialog.tipText(), QStringLiteral("Втори съвет"));
-        dialog.reject(); // the close box: the place is kept, the start-up choice is not written
-    }
-    EXPECT_GT(settings.value(IntSetting::TipFilePos), 0);
-    TipDialog again(path, settings, prompter);
-    EXPECT_EQ(again.tipText(), QStringLiteral("Първи съвет")); // wrapped round
+    const QStringList tip = {QStringLiteral("Помощ"), QStringLiteral("Съвет на деня")};
+    const auto shownTip = [](QDialog* d) { return user::child<QLabel>(d, "tip")->text(); };
 
-    TipDialog missing(dir.filePath(QStringLiteral("няма.txt")), settings, prompter);
-    EXPECT_EQ(missing.tipText().toStdString(), TipOfTheDay::kMissingText);
+    user::ExpectDialog first([&](QDialog* d) {
+        EXPECT_EQ(shownTip(d), QStringLiteral("Първи съвет"));
+        user::click(user::button(d, QStringLiteral("Следващия")));
+        EXPECT_EQ(shownTip(d), QStringLiteral("Втори съвет"));
+        user::click(user::button(d, QStringLiteral("показвай съветите")));
+        QTest::keyClick(d, Qt::Key_Escape); // as the close box: the place is kept, the box's choice is not
+    });
+    user::chooseMenu(m_frame.get(), tip);
+    first.verify();
+    EXPECT_GT(Settings(m_store).value(IntSetting::TipFilePos), 0);
+    EXPECT_EQ(Settings(m_store).value(IntSetting::TipStartUp), 0);
+    user::ExpectDialog again([&](QDialog* d) {
+        EXPECT_EQ(shownTip(d), QStringLiteral("Първи съвет")); // wrapped round
+        auto* show = user::button(d, QStringLiteral("показвай съветите"));
+        EXPECT_TRUE(show->isChecked());
+        user::click(show);
+        user::click(user::button(d, QStringLiteral("Затвори")));
+    });
+    user::chooseMenu(m_frame.get(), tip);
+    again.verify();
+    EXPECT_EQ(Settings(m_store).value(IntSetting::TipStartUp), 1); // no tips at start-up
+
+    ASSERT_TRUE(QFile::remove(QStringLiteral("tips.txt")));
+    user::ExpectDialog missing([&](QDialog* d) {
+        EXPECT_EQ(shownTip(d).toStdString(), TipOfTheDay::kMissingText);
+        EXPECT_FALSE(user::button(d, QStringLiteral("показвай съветите"))->isChecked());
+        EXPECT_FALSE(user::button(d, QStringLiteral("Следващия"))->isEnabled());
+        QTest::keyClick(d, Qt::Key_Escape);
+    });
+    user::chooseMenu(m_frame.get(), tip);
+    missing.verify();
 }
 
 } // namespace

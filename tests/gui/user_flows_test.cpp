@@ -24,8 +24,6 @@ class UserFlowTest : public DesktopSession {
 protected:
     UserFlowTest() { openGenerated(QStringLiteral("дом.fnr"), 500, 3); }
 
-    QTableView* table() { return m_frame->view().table(); }
-    QString cell(int row, int column) { return table()->model()->index(row, column).data().toString(); }
     // The rows the list marks, and the rows whose description has `word` (any case).
     int markedRows() { return static_cast<int>(m_frame->view().list().selectedCount()); }
     int rowsDescribedWith(const QString& word)
@@ -36,30 +34,7 @@ protected:
         }
         return n;
     }
-    const Message& lastMessage() const { return m_prompter.messages().back(); }
 };
-
-// Opens the drop-down with the mouse and clicks the item, as a user picks from a list. (Offscreen
-// the popup takes the click as marking the item but not its release as the choice, so Enter
-// confirms it; both are the user's ways of choosing.)
-void pickFromList(QComboBox* combo, const QString& text)
-{
-    user::activate(combo);
-    QTest::mouseClick(combo, Qt::LeftButton);
-    QAbstractItemView* view = combo->view();
-    ASSERT_TRUE(QTest::qWaitFor([&] { return view->isVisible(); }, 1000)) << "the list did not open";
-    const int row = combo->findText(text);
-    ASSERT_GE(row, 0) << text.toStdString();
-    const QModelIndex index = view->model()->index(row, 0);
-    view->scrollTo(index);
-    QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, view->visualRect(index).center());
-    ASSERT_EQ(view->currentIndex().row(), row);
-    if (view->isVisible()) {
-        QTest::keyClick(view, Qt::Key_Return);
-    }
-    ASSERT_TRUE(QTest::qWaitFor([&] { return !view->isVisible(); }, 1000)) << "the list did not close";
-    QCoreApplication::processEvents(); // what follows the closing, before the user's next move
-}
 
 } // namespace
 
@@ -176,25 +151,13 @@ TEST_F(UserFlowTest, SettingAProtectionIsAChangeThatClosingAsksAbout)
     EXPECT_EQ(lastMessage().text, DocumentStorage::kSaveChangesText);
     m_prompter.queue(Answer::Yes);
     EXPECT_TRUE(m_frame->close());
-    std::string bytes;
-    ASSERT_TRUE(readWholeFile(m_file.toStdString(), bytes));
-    Ledger saved;
-    ByteReader reader(bytes);
-    ASSERT_EQ(readLedger(reader, saved, [](double) { return true; }).status, ReadStatus::Ok);
-    EXPECT_FALSE(saved.lockText.empty());
+    EXPECT_FALSE(ledgerOnDisk().lockText.empty());
 }
 
 TEST_F(UserFlowTest, WithAutoSaveTheProtectionReachesTheFileAtOnce)
 {
     m_store.writeInt("Settings", "AutoSave", 1);
-    user::ExpectDialog password([](QDialog* d) {
-        for (QLineEdit* field : d->findChildren<QLineEdit*>()) {
-            user::type(field, QStringLiteral("x"));
-        }
-        QTest::keyClick(d, Qt::Key_Return);
-    });
-    user::chooseMenu(m_frame.get(), {QStringLiteral("Настройки"), QStringLiteral("Задаване на постоянна защита")});
-    password.verify();
+    protectWith(QStringLiteral("x"));
     EXPECT_FALSE(m_frame->isWindowModified());
     std::string bytes;
     ASSERT_TRUE(readWholeFile(m_file.toStdString(), bytes));
@@ -203,14 +166,7 @@ TEST_F(UserFlowTest, WithAutoSaveTheProtectionReachesTheFileAtOnce)
 
 TEST_F(UserFlowTest, ALockedLedgerKeepsItsFiguresOutOfTheYearlyChart)
 {
-    user::ExpectDialog password([](QDialog* d) {
-        for (QLineEdit* field : d->findChildren<QLineEdit*>()) {
-            user::type(field, QStringLiteral("x"));
-        }
-        QTest::keyClick(d, Qt::Key_Return);
-    });
-    user::chooseMenu(m_frame.get(), {QStringLiteral("Настройки"), QStringLiteral("Задаване на постоянна защита")});
-    password.verify();
+    protectWith(QStringLiteral("x"));
     m_prompter.clear();
     // No dialog may open: the harness fails the test if one stays.
     user::chooseMenu(m_frame.get(), {QStringLiteral("Данни"), QStringLiteral("Диаграма за приходите и разходите през годината ...")});
@@ -284,7 +240,7 @@ TEST_F(UserFlowTest, TheCurrencyRulesRunOnAChangeOfCurrencyAndOnTheListClosing)
         user::retype(amount, QStringLiteral("100"));
         user::press(amount, Qt::Key_Tab);
 
-        pickFromList(currency, QStringLiteral("EUR"));
+        user::pickFromList(currency, QStringLiteral("EUR"));
         const QString suggested = rate->text();
         EXPECT_NE(suggested, QStringLiteral("1.000000"));
         EXPECT_TRUE(value->isEnabled()); // the list closed on a foreign currency
@@ -292,13 +248,13 @@ TEST_F(UserFlowTest, TheCurrencyRulesRunOnAChangeOfCurrencyAndOnTheListClosing)
         user::retype(rate, QStringLiteral("2,5"));
         user::press(rate, Qt::Key_Tab);
         EXPECT_EQ(value->text(), QStringLiteral("250.00"));
-        pickFromList(currency, QStringLiteral("EUR"));
+        user::pickFromList(currency, QStringLiteral("EUR"));
         EXPECT_EQ(rate->text(), QStringLiteral("2,5"));
         EXPECT_EQ(value->text(), QStringLiteral("250.00"));
 
         // The list closing on BGL disables the value; a choice made with the arrow keys, with
         // no list opened, runs the currency rule but leaves the value field as it was.
-        pickFromList(currency, QStringLiteral("BGL"));
+        user::pickFromList(currency, QStringLiteral("BGL"));
         EXPECT_FALSE(value->isEnabled());
         EXPECT_EQ(rate->text(), QStringLiteral("1.000000"));
         currency->setFocus();

@@ -3,9 +3,12 @@
 // Widget tests that act as a user does: keys and clicks on the real widgets, menus opened with
 // the mouse, and modal dialogs that must come when expected (and must not when not).
 #include <QAbstractButton>
+#include <QAbstractItemView>
 #include <QApplication>
+#include <QComboBox>
 #include <QDialog>
 #include <QDir>
+#include <QHeaderView>
 #include <QLineEdit>
 #include <QMainWindow>
 #include <QMenu>
@@ -13,8 +16,10 @@
 #include <QPointer>
 #include <QTest>
 #include <QTimer>
+#include <QTreeWidget>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <functional>
 #include <iostream>
 #include <memory>
@@ -33,13 +38,16 @@ inline void bringUp(QWidget* window)
 
 // The window a user works in is the active one. Offscreen there is no window manager to hand
 // the activation back when a dialog closes, so every action here makes sure of it first (unless
-// a modal dialog above the window has it, as it would).
+// a modal dialog above the window has it, as it would). When a window that is no dialog closes
+// (the help), nothing at all is left active, so the window system is asked as well.
 inline void activate(QWidget* widget)
 {
     QWidget* window = widget->window();
     QWidget* modal = QApplication::activeModalWidget();
-    if (QApplication::activeWindow() != window && (!modal || modal == window)) {
+    const bool inactive = QApplication::activeWindow() != window || !QGuiApplication::focusWindow();
+    if (inactive && (!modal || modal == window)) {
         QApplication::setActiveWindow(window);
+        window->activateWindow();
         (void)QTest::qWaitForWindowActive(window);
     }
 }
@@ -68,41 +76,114 @@ inline QString shown(QString text)
     return text.remove(QLatin1Char('&'));
 }
 
-// Opens the menu bar's menu and every submenu along `path` with the mouse and clicks the last
-// item; texts compare without their '&'. Fails the test when an item is missing or disabled.
-inline void chooseMenu(QMainWindow* window, const QStringList& path)
+// The item of a menu (or the menu bar) that shows `text`, separators aside.
+inline QAction* itemShowing(const QWidget* menu, const QString& text)
 {
-    ASSERT_FALSE(path.isEmpty());
+    for (QAction* a : menu->actions()) {
+        if (!a->isSeparator() && shown(a->text()) == text) {
+            return a;
+        }
+    }
+    return nullptr;
+}
+
+struct OpenedMenu {
+    QMenu* menu = nullptr; // the deepest menu open
+    QAction* item = nullptr; // the last item of the path, in `menu`
+};
+
+// Opens the menu bar's menu and every submenu along `path` with the mouse and leaves them open
+// for a look; texts compare without their '&'. A missing item is a failure and an empty answer.
+inline OpenedMenu openMenus(QMainWindow* window, const QStringList& path)
+{
+    if (path.isEmpty()) {
+        ADD_FAILURE() << "no menu named";
+        return {};
+    }
     activate(window);
     QMenuBar* bar = window->menuBar();
-    QAction* top = nullptr;
-    for (QAction* a : bar->actions()) {
-        if (shown(a->text()) == path.front()) {
-            top = a;
+    QAction* top = itemShowing(bar, path.front());
+    if (!top || !top->menu()) {
+        ADD_FAILURE() << "no menu " << path.front().toStdString();
+        return {};
+    }
+    QTest::mouseClick(bar, Qt::LeftButton, {}, bar->actionGeometry(top).center());
+    OpenedMenu opened{top->menu(), top};
+    if (!QTest::qWaitFor([&] { return opened.menu->isVisible(); }, 1000)) {
+        ADD_FAILURE() << path.front().toStdString() << " did not open";
+        return {};
+    }
+    for (qsizetype i = 1; i < path.size(); ++i) {
+        opened.item = itemShowing(opened.menu, path.at(i));
+        if (!opened.item) {
+            ADD_FAILURE() << "no item " << path.at(i).toStdString();
+            return {};
+        }
+        QMenu* sub = opened.item->menu();
+        if (sub && opened.item->isEnabled() && i + 1 < path.size()) {
+            QTest::mouseClick(opened.menu, Qt::LeftButton, {}, opened.menu->actionGeometry(opened.item).center());
+            if (!QTest::qWaitFor([&] { return sub->isVisible(); }, 1000)) {
+                ADD_FAILURE() << path.at(i).toStdString() << " did not open";
+                return {};
+            }
+            opened.menu = sub;
+        } else if (i + 1 < path.size()) {
+            ADD_FAILURE() << path.at(i).toStdString() << " opens nothing";
+            return {};
         }
     }
-    ASSERT_NE(top, nullptr) << "no menu " << path.front().toStdString();
-    QTest::mouseClick(bar, Qt::LeftButton, {}, bar->actionGeometry(top).center());
-    QMenu* menu = top->menu();
-    ASSERT_TRUE(menu && menu->isVisible()) << path.front().toStdString();
-    for (qsizetype i = 1; i < path.size(); ++i) {
-        QAction* item = nullptr;
+    return opened;
+}
+
+// Escape until no menu is open, as a user leaves menus they only looked at.
+inline void closeMenus()
+{
+    for (int i = 0; i < 8 && QApplication::activePopupWidget(); ++i) {
+        QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_Escape);
+    }
+}
+
+// The item at the end of `path` as the open menu shows it (its text, whether it is enabled or
+// checked), the menus closed again afterwards; null when it is missing.
+inline QAction* lookAtMenu(QMainWindow* window, const QStringList& path)
+{
+    const OpenedMenu opened = openMenus(window, path);
+    closeMenus();
+    return opened.item;
+}
+
+// What the menu at the end of `path` lists, in order, separators aside.
+inline QStringList menuTexts(QMainWindow* window, const QStringList& path)
+{
+    QStringList texts;
+    const OpenedMenu opened = openMenus(window, path);
+    if (opened.item && opened.item->menu()) {
+        QMenu* menu = opened.item->menu();
+        if (path.size() > 1) { // a submenu opens at a click on its item
+            QTest::mouseClick(opened.menu, Qt::LeftButton, {}, opened.menu->actionGeometry(opened.item).center());
+            (void)QTest::qWaitFor([&] { return menu->isVisible(); }, 1000);
+        }
         for (QAction* a : menu->actions()) {
-            if (shown(a->text()) == path.at(i)) {
-                item = a;
+            if (!a->isSeparator()) {
+                texts << shown(a->text());
             }
         }
-        ASSERT_NE(item, nullptr) << "no item " << path.at(i).toStdString();
-        ASSERT_TRUE(item->isEnabled()) << path.at(i).toStdString() << " is disabled";
-        if (item->menu()) {
-            QTest::mouseClick(menu, Qt::LeftButton, {}, menu->actionGeometry(item).center());
-            (void)QTest::qWaitFor([&] { return item->menu()->isVisible(); }, 1000);
-            menu = item->menu();
-            ASSERT_TRUE(menu->isVisible()) << path.at(i).toStdString();
-        } else {
-            QTest::mouseClick(menu, Qt::LeftButton, {}, menu->actionGeometry(item).center());
-        }
     }
+    closeMenus();
+    return texts;
+}
+
+// Opens the menus along `path` with the mouse and clicks the last item; a path of a menu bar's
+// menu alone opens it and leaves it open. Fails the test when an item is missing or disabled.
+inline void chooseMenu(QMainWindow* window, const QStringList& path)
+{
+    const OpenedMenu opened = openMenus(window, path);
+    ASSERT_NE(opened.item, nullptr);
+    if (path.size() == 1) {
+        return;
+    }
+    ASSERT_TRUE(opened.item->isEnabled()) << path.back().toStdString() << " is disabled";
+    QTest::mouseClick(opened.menu, Qt::LeftButton, {}, opened.menu->actionGeometry(opened.item).center());
 }
 
 // The button of `parent` that shows `text` (compared without the '&'), or null.
@@ -146,12 +227,101 @@ inline void doubleClick(QWidget* widget, QPoint at)
     QTest::mouseDClick(widget, Qt::LeftButton, {}, at);
 }
 
+// A click on what the button shows: a check box or a radio button laid out wider than its text
+// takes a click on the text or its box only.
 inline void click(QAbstractButton* button)
 {
     ASSERT_NE(button, nullptr);
     ASSERT_TRUE(button->isVisible() && button->isEnabled()) << button->text().toStdString();
     activate(button);
-    QTest::mouseClick(button, Qt::LeftButton);
+    const int shownWidth = std::min(button->width(), button->sizeHint().width());
+    QTest::mouseClick(button, Qt::LeftButton, {}, QPoint(shownWidth / 2, button->height() / 2));
+}
+
+// The widget of `parent` named `name`, or null with a failure.
+template <class Widget = QWidget>
+Widget* child(const QObject* parent, const char* name)
+{
+    auto* found = parent->findChild<Widget*>(QString::fromLatin1(name));
+    if (!found) {
+        ADD_FAILURE() << "no " << name;
+    }
+    return found;
+}
+
+// A click, or a double click, on an item of a list, a table or a tree, scrolled into sight first
+// as a user scrolls to it.
+inline void clickIndex(QAbstractItemView* view, const QModelIndex& index, Qt::KeyboardModifiers modifiers = {})
+{
+    ASSERT_TRUE(index.isValid());
+    activate(view);
+    view->scrollTo(index);
+    QTest::mouseClick(view->viewport(), Qt::LeftButton, modifiers, view->visualRect(index).center());
+}
+
+inline void doubleClickIndex(QAbstractItemView* view, const QModelIndex& index)
+{
+    ASSERT_TRUE(index.isValid());
+    view->scrollTo(index);
+    doubleClick(view->viewport(), view->visualRect(index).center());
+}
+
+// The middle of the item's row: its first column may be a hidden one.
+inline void clickItem(QTreeWidget* tree, QTreeWidgetItem* item, Qt::KeyboardModifiers modifiers = {})
+{
+    ASSERT_NE(item, nullptr);
+    activate(tree);
+    tree->scrollToItem(item);
+    QTest::mouseClick(tree->viewport(), Qt::LeftButton, modifiers, tree->visualItemRect(item).center());
+}
+
+inline void doubleClickItem(QTreeWidget* tree, QTreeWidgetItem* item)
+{
+    ASSERT_NE(item, nullptr);
+    tree->scrollToItem(item);
+    doubleClick(tree->viewport(), tree->visualItemRect(item).center());
+}
+
+// A click on the header of a column, as a list is sorted.
+inline void clickHeader(QHeaderView* header, int section)
+{
+    activate(header);
+    QTest::mouseClick(header->viewport(), Qt::LeftButton, {},
+                      QPoint(header->sectionViewportPosition(section) + header->sectionSize(section) / 2,
+                             header->height() / 2));
+}
+
+// Opens the drop-down with the mouse and clicks the item, as a user picks from a list. (Offscreen
+// the popup takes the click as marking the item but not its release as the choice, so Enter
+// confirms it; both are the user's ways of choosing.)
+inline void pickFromList(QComboBox* combo, const QString& text)
+{
+    ASSERT_NE(combo, nullptr);
+    activate(combo);
+    QTest::mouseClick(combo, Qt::LeftButton);
+    QAbstractItemView* view = combo->view();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return view->isVisible(); }, 1000)) << "the list did not open";
+    const int row = combo->findText(text);
+    ASSERT_GE(row, 0) << text.toStdString();
+    const QModelIndex index = view->model()->index(row, 0);
+    view->scrollTo(index);
+    QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, view->visualRect(index).center());
+    ASSERT_EQ(view->currentIndex().row(), row);
+    if (view->isVisible()) {
+        QTest::keyClick(view, Qt::Key_Return);
+    }
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !view->isVisible(); }, 1000)) << "the list did not close";
+    QCoreApplication::processEvents(); // what follows the closing, before the user's next move
+}
+
+// Qt's own file dialog, as the program shows it offscreen: the whole path typed as the file's
+// name, then Enter.
+inline void answerFileDialog(QDialog* dialog, const QString& path)
+{
+    auto* name = dialog->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
+    ASSERT_NE(name, nullptr) << "not a file dialog: " << dialog->windowTitle().toStdString();
+    retype(name, path);
+    QTest::keyClick(name, Qt::Key_Return);
 }
 
 // Saves a picture of every visible window, named after the test and `why`. (While gtest reports
