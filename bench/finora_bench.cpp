@@ -6,15 +6,14 @@
 #include "query/operations_list.h"
 #include "reports/currency_cash.h"
 #include "reports/yearly_summary.h"
-#include "storage/ledger_import.h"
-#include "text/cp1251.h"
 #include "settings/memory_settings_store.h"
 #include "storage/document_storage.h"
 #include "storage/file_io.h"
-
-#include <benchmark/benchmark.h>
+#include "storage/ledger_import.h"
+#include "text/cp1251.h"
 
 #include <algorithm>
+#include <benchmark/benchmark.h>
 #include <filesystem>
 #include <fstream>
 #include <map>
@@ -77,9 +76,9 @@ double residentBytes()
 
 Operation sampleOperation(int i)
 {
-    return Operation(0, DateTime(45000.0 + i / 4000.0, DateTime::Valid), "Description of a purchase",
-                     kExpense, 1 + i % 60, 12.5, i % 4, 12.5, i % 5 == 0 ? "notes" : "", DateTime(),
-                     1, 0);
+    return Operation(0, DateTime(45000.0 + i / 4000.0, DateTime::Valid),
+                     "Description of a purchase", kExpense, 1 + i % 60, 12.5, i % 4, 12.5,
+                     i % 5 == 0 ? "notes" : "", DateTime(), 1, 0);
 }
 
 void BM_AddOperations(benchmark::State& state)
@@ -178,7 +177,8 @@ void BM_Open(benchmark::State& state)
 void BM_SaveWithBackup(benchmark::State& state)
 {
     const std::string source = ledgerFile(state.range(0));
-    const std::string target = pathToUtf8(benchDir() / ("saved-" + std::to_string(state.range(0)) + ".fnr"));
+    const std::string target =
+        pathToUtf8(benchDir() / ("saved-" + std::to_string(state.range(0)) + ".fnr"));
     MemorySettingsStore store;
     Settings settings(store);
     RecordingPrompter prompter;
@@ -402,9 +402,15 @@ void BM_RedoDeleteOfRows(benchmark::State& state)
 
 void undoSizes(benchmark::internal::Benchmark* b)
 {
-    b->Args({100'000, 10'000})->Args({100'000, 100'000})->Args({1'000'000, 10'000})->Args({1'000'000, 100'000});
+    b->Args({100'000, 10'000})
+        ->Args({100'000, 100'000})
+        ->Args({1'000'000, 10'000})
+        ->Args({1'000'000, 100'000});
     b->Args({1'000'000, 1'000'000}); // every row: the holes are gone, so the list is merged anew
-    b->ArgNames({"operations", "rows"})->Unit(benchmark::kMillisecond)->UseRealTime()->Iterations(3);
+    b->ArgNames({"operations", "rows"})
+        ->Unit(benchmark::kMillisecond)
+        ->UseRealTime()
+        ->Iterations(3);
 }
 
 void sizes(benchmark::internal::Benchmark* b)

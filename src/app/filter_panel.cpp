@@ -1,8 +1,8 @@
 #include "app/filter_panel.h"
 
-#include "storage/filter_file.h"
 #include "editors/date_field.h"
 #include "editors/editor_widgets.h"
+#include "storage/filter_file.h"
 #include "text/cp1251.h"
 
 #include <QButtonGroup>
@@ -19,10 +19,8 @@
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
-
 namespace finora {
 namespace {
-
 
 // A drop-down list that is refilled each time it opens, so it always offers the ledger's
 // currencies as they are now.
@@ -48,7 +46,8 @@ FilterPanel::FilterPanel(CFinoraDoc& doc, Settings& settings, Prompter& prompter
       m_tree(new QTreeWidget(this)), m_selected(new QTreeWidget(this)),
       m_subcategories(new QCheckBox(QStringLiteral("включи и подкатегориите"), this)),
       m_remove(new QPushButton(QStringLiteral("премахни"), this)),
-      m_clear(new QPushButton(QStringLiteral("изчисти"), this)), m_currency(new RefreshingComboBox(this))
+      m_clear(new QPushButton(QStringLiteral("изчисти"), this)),
+      m_currency(new RefreshingComboBox(this))
 {
     static_cast<RefreshingComboBox*>(m_currency)->beforePopup = [this] {
         m_showing = true; // refilling is not a choice of the user's
@@ -73,8 +72,8 @@ FilterPanel::FilterPanel(CFinoraDoc& doc, Settings& settings, Prompter& prompter
     m_selected->setHeaderLabels({QStringLiteral("избрани категории:")});
     m_selected->setRootIsDecorated(false);
     m_subcategories->setObjectName(QStringLiteral("includeSubcategories"));
-    m_subcategories->setToolTip(QStringLiteral(
-        "указва, дали програмата да визуализира и данните за подкатегориите на избраните категории..."));
+    m_subcategories->setToolTip(QStringLiteral("указва, дали програмата да визуализира и данните "
+                                               "за подкатегориите на избраните категории..."));
 
     auto* paidGroup = new QButtonGroup(this);
     const char* paidTexts[] = {"всички операции", "само платените", "само неплатените"};
@@ -136,8 +135,9 @@ FilterPanel::FilterPanel(CFinoraDoc& doc, Settings& settings, Prompter& prompter
     // The tab key follows the layout: the left column top to bottom, the tree, then the chosen
     // categories and their controls. The paid radios are one stop; the arrows move among them.
     m_selected->setFocusPolicy(Qt::StrongFocus);
-    QWidget* order[] = {m_type, m_from, m_to, m_currency, m_paid[0], m_paid[1], m_paid[2], reset, load, save,
-                        m_tree, m_selected, m_subcategories, m_remove, m_clear};
+    QWidget* order[] = {m_type,          m_from,   m_to,   m_currency, m_paid[0], m_paid[1],
+                        m_paid[2],       reset,    load,   save,       m_tree,    m_selected,
+                        m_subcategories, m_remove, m_clear};
     for (std::size_t i = 1; i < std::size(order); ++i) {
         setTabOrder(order[i - 1], order[i]);
     }
@@ -198,7 +198,8 @@ void FilterPanel::fillCurrencies()
     names.sort();
     names.removeDuplicates();
     m_currency->addItems(names);
-    const QString current = qt(m_criteria.allCurrencies() ? allCurrenciesItem() : m_criteria.currency);
+    const QString current =
+        qt(m_criteria.allCurrencies() ? allCurrenciesItem() : m_criteria.currency);
     if (m_currency->findText(current) < 0) {
         m_currency->addItem(current); // a loaded filter may name a currency the ledger lacks
     }
@@ -247,8 +248,8 @@ void FilterPanel::takeValues()
     }
     const QString currency = m_currency->currentText();
     // An empty choice means the main currency alone, not all of them.
-    m_criteria.currency = currency.isEmpty() ? std::string("BGL")
-                                             : cp1251::fromUtf8OrThrow(currency.toStdString());
+    m_criteria.currency =
+        currency.isEmpty() ? std::string("BGL") : cp1251::fromUtf8OrThrow(currency.toStdString());
 }
 
 void FilterPanel::changed()

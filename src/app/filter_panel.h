@@ -6,7 +6,6 @@
 #include "settings/settings.h"
 
 #include <QWidget>
-
 #include <functional>
 #include <optional>
 
@@ -38,15 +37,20 @@ public:
     // The category selected in the tree, if any.
     std::optional<std::int32_t> treeCategory() const;
     // A double click on a category when the option says it makes a new operation there.
-    void setOnAddInCategory(std::function<void()> handler) { m_onAddInCategory = std::move(handler); }
+    void setOnAddInCategory(std::function<void()> handler)
+    {
+        m_onAddInCategory = std::move(handler);
+    }
     void loadFilter();
     // A filter file's criteria into the panel, and the list refreshed; an unreadable file says so.
     void loadFilterFrom(const QString& path);
     void saveFilter();
 
-    static constexpr const char* kNoCategoryText = "Не сте избрали категория от списъка на категориите!";
+    static constexpr const char* kNoCategoryText =
+        "Не сте избрали категория от списъка на категориите!";
     static constexpr const char* kNoCategoryCaption = "Липсва селекция";
-    static constexpr const char* kFilterFileFilter = "Филтри на Finora (*.ffl);;Всички файлове (*.*)";
+    static constexpr const char* kFilterFileFilter =
+        "Филтри на Finora (*.ffl);;Всички файлове (*.*)";
 
     // The panel's last stop of the tab key, after which the list comes.
     QWidget* lastInTabOrder() const { return m_lastInTabOrder; }

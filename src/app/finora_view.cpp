@@ -12,20 +12,17 @@
 #include <QScrollArea>
 #include <QTableView>
 #include <QVBoxLayout>
-
 #include <algorithm>
 
 namespace finora {
-namespace {
-
-} // namespace
+namespace {} // namespace
 
 CFinoraView::CFinoraView(CFinoraDoc& doc, Settings& settings, Prompter& prompter, QWidget* parent)
     : QWidget(parent), m_doc(doc), m_settings(settings), m_list(doc, settings, prompter),
       m_model(m_list, this),
       m_panel(new FilterPanel(doc, settings, prompter, m_list.criteria(), this)),
-      m_table(new QTableView(this)), m_income(new QLabel(this)),
-      m_expense(new QLabel(this)), m_balance(new QLabel(this))
+      m_table(new QTableView(this)), m_income(new QLabel(this)), m_expense(new QLabel(this)),
+      m_balance(new QLabel(this))
 {
     m_table->setObjectName(QStringLiteral("operationsList"));
     m_table->setModel(&m_model);
@@ -42,9 +39,9 @@ CFinoraView::CFinoraView(CFinoraDoc& doc, Settings& settings, Prompter& prompter
             [this] { takeSelectionFromTable(); });
 
     auto* totals = new QHBoxLayout;
-    for (auto [label, caption, name] : {std::tuple{m_income, "приходи:", "income"},
-                                        std::tuple{m_expense, "разходи:", "expense"},
-                                        std::tuple{m_balance, "баланс:", "balance"}}) {
+    for (auto [label, caption, name] :
+         {std::tuple{m_income, "приходи:", "income"}, std::tuple{m_expense, "разходи:", "expense"},
+          std::tuple{m_balance, "баланс:", "balance"}}) {
         label->setObjectName(QString::fromLatin1(name));
         label->setTextInteractionFlags(Qt::TextSelectableByMouse);
         totals->addWidget(new QLabel(QString::fromUtf8(caption), this));

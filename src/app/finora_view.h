@@ -5,7 +5,6 @@
 #include "query/operations_list.h"
 
 #include <QWidget>
-
 #include <functional>
 
 class QLabel;
@@ -28,8 +27,7 @@ public:
     // Back to "без филтър" and refresh.
     void resetFilter();
     // Runs a command that changes the list's rows, keeping the table in step.
-    template <class Command>
-    bool changeRows(Command command)
+    template <class Command> bool changeRows(Command command)
     {
         m_model.beginChange();
         const bool done = command();

@@ -3,15 +3,12 @@
 #include "app/qt_document_host.h"
 #include "app/qt_prompter.h"
 #include "app/qt_settings_store.h"
-
 #include "app/tip_dialog.h"
-
 #include "finora_version.h"
 
 #include <QApplication>
 #include <QIcon>
 #include <QTimer>
-
 #include <cstdio>
 #include <cstring>
 
@@ -31,7 +28,8 @@ int main(int argc, char** argv)
     QGuiApplication::setDesktopFileName(QStringLiteral(FINORA_APP_ID));
     QIcon fallback;
     for (const char* size : {"64x64", "256x256"}) {
-        fallback.addFile(QStringLiteral(":/icons/%1/apps/" FINORA_APP_ID ".png").arg(QLatin1String(size)));
+        fallback.addFile(
+            QStringLiteral(":/icons/%1/apps/" FINORA_APP_ID ".png").arg(QLatin1String(size)));
     }
     QApplication::setWindowIcon(QIcon::fromTheme(QStringLiteral(FINORA_APP_ID), fallback));
     QApplication::setOrganizationName(QString::fromLatin1(finora::QtSettingsStore::kOrganization));

@@ -1,47 +1,47 @@
 #include "app/main_frame.h"
 
-#include "app/qt_document_host.h"
-#include "editors/amount_filter_dialog.h"
 #include "app/help_window.h"
-#include "app/window_layout.h"
+#include "app/qt_document_host.h"
 #include "app/tip_dialog.h"
 #include "app/update_check.h"
 #include "app/web_links.h"
+#include "app/window_layout.h"
 #include "app/yearly_chart_dialog.h"
-#include "finora_version.h"
+#include "editors/amount_filter_dialog.h"
 #include "editors/backup_folder_dialog.h"
 #include "editors/category_dialogs.h"
 #include "editors/currency_cash_dialog.h"
 #include "editors/operation_dialog.h"
-#include "editors/print_widths_dialog.h"
-#include "model/number_text.h"
-#include "model/undo_commands.h"
 #include "editors/password_dialog.h"
+#include "editors/print_widths_dialog.h"
 #include "editors/search_dialog.h"
+#include "finora_version.h"
 #include "lock/lock_commands.h"
 #include "lock/lock_guard.h"
+#include "model/number_text.h"
+#include "model/undo_commands.h"
 #include "reports/list_csv.h"
 #include "storage/file_io.h"
 #include "storage/ledger_import.h"
 
 #include <QAction>
-#include <map>
-#include <unordered_set>
-#include <sstream>
 #include <QCloseEvent>
-#include <QDragEnterEvent>
 #include <QDesktopServices>
+#include <QDragEnterEvent>
 #include <QDropEvent>
-#include <QMimeData>
-#include <QProcess>
-#include <QStandardPaths>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QMenuBar>
+#include <QMimeData>
+#include <QProcess>
+#include <QStandardPaths>
 #include <QStatusBar>
 #include <QStyle>
-#include <QToolBar>
 #include <QTableView>
+#include <QToolBar>
+#include <map>
+#include <sstream>
+#include <unordered_set>
 
 namespace finora {
 
@@ -104,30 +104,58 @@ void CMainFrame::createActions()
          }},
         {"file", "actionSaveAs", "Запиши &като ...", {}, [this] { saveAs(); }},
         {"file", nullptr, nullptr, {}, {}},
-        {"file", "actionImport", "&Импортиране на данни от друг документ ...", {},
+        {"file",
+         "actionImport",
+         "&Импортиране на данни от друг документ ...",
+         {},
          [this] { importLedgerFile(); }},
         {"file", nullptr, nullptr, {}, {}},
-        {"file", "actionSaveFilter", "Съхраняване на филтър във файл ...", {},
+        {"file",
+         "actionSaveFilter",
+         "Съхраняване на филтър във файл ...",
+         {},
          [this] { m_view->filterPanel().saveFilter(); }},
-        {"file", "actionLoadFilter", "Зареждане на филтър от файл ...", {},
+        {"file",
+         "actionLoadFilter",
+         "Зареждане на филтър от файл ...",
+         {},
          [this] { m_view->filterPanel().loadFilter(); }},
         {"file", nullptr, nullptr, {}, {}},
-        {"file", "actionPrint", "&Печат ...", QKeySequence::Print, [this] { m_report.print(this); }},
-        {"file", "actionPrintPreview", "Предпе&чатен изглед на справката ...", {}, [this] { m_report.preview(this); }},
-        {"file", "actionExportPdf", "Запиши справката като P&DF ...", {}, [this] { exportReportPdf(); }},
+        {"file", "actionPrint", "&Печат ...", QKeySequence::Print,
+         [this] { m_report.print(this); }},
+        {"file",
+         "actionPrintPreview",
+         "Предпе&чатен изглед на справката ...",
+         {},
+         [this] { m_report.preview(this); }},
+        {"file",
+         "actionExportPdf",
+         "Запиши справката като P&DF ...",
+         {},
+         [this] { exportReportPdf(); }},
         {"file", "actionExportCsv", "Запиши списъка като CSV ...", {}, [this] { exportListCsv(); }},
-        {"file", "actionPageSetup", "Настро&йка на печата ...", {}, [this] { m_report.pageSetup(this); }},
-        {"file", "actionPrintWidths", "Настро&йка на полетата за печат ...", {},
+        {"file",
+         "actionPageSetup",
+         "Настро&йка на печата ...",
+         {},
+         [this] { m_report.pageSetup(this); }},
+        {"file",
+         "actionPrintWidths",
+         "Настро&йка на полетата за печат ...",
+         {},
          [this] {
              PrintWidthsDialog dialog(m_settings, m_prompter, this);
              dialog.exec();
          }},
         {"file", nullptr, nullptr, {}, {}},
         {"file", "actionExit", "Из&ход", {}, [this] { close(); }},
-        {"edit", "actionUndo", "&Отмени", QKeySequence(Qt::CTRL | Qt::Key_Z), [this] { undoOrRedo(true); }},
-        {"edit", "actionRedo", "&Възстанови", QKeySequence(Qt::CTRL | Qt::Key_Y), [this] { undoOrRedo(false); }},
+        {"edit", "actionUndo", "&Отмени", QKeySequence(Qt::CTRL | Qt::Key_Z),
+         [this] { undoOrRedo(true); }},
+        {"edit", "actionRedo", "&Възстанови", QKeySequence(Qt::CTRL | Qt::Key_Y),
+         [this] { undoOrRedo(false); }},
         {"edit", nullptr, nullptr, {}, {}},
-        {"edit", "actionRefresh", "&Опресни", QKeySequence(Qt::Key_F5), [this] { m_view->refresh(); }},
+        {"edit", "actionRefresh", "&Опресни", QKeySequence(Qt::Key_F5),
+         [this] { m_view->refresh(); }},
         {"edit", "actionSelectAll", "Маркирай всичк&и", QKeySequence(Qt::CTRL | Qt::Key_A),
          [this] {
              m_view->table()->setFocus();
@@ -138,26 +166,48 @@ void CMainFrame::createActions()
          }},
         {"edit", nullptr, nullptr, {}, {}},
         {"edit", "actionAddRecord", "Добави нов &запис ...", QKeySequence(Qt::Key_F8),
-         [this] { editOperation({0, 0, -1}); }},
-        {"edit", "actionEditRecord", "Промени &маркирания запис ...", {}, [this] { editSelectedOperation(); }},
-        {"edit", "actionAddInCategory", "Добави нов запис в избраната категори&я ...", QKeySequence(Qt::Key_F7),
-         [this] { editOperation({0, 0, m_view->filterPanel().treeCategory().value_or(-1)}); }},
+         [this] {
+             editOperation({0, 0, -1});
+         }},
+        {"edit",
+         "actionEditRecord",
+         "Промени &маркирания запис ...",
+         {},
+         [this] { editSelectedOperation(); }},
+        {"edit", "actionAddInCategory", "Добави нов запис в избраната категори&я ...",
+         QKeySequence(Qt::Key_F7),
+         [this] {
+             editOperation({0, 0, m_view->filterPanel().treeCategory().value_or(-1)});
+         }},
         {"edit", nullptr, nullptr, {}, {}},
-        {"edit", "actionDeleteAll", "Изтри&й всички", {},
+        {"edit",
+         "actionDeleteAll",
+         "Изтри&й всички",
+         {},
          [this] { m_view->changeRows([this] { return m_view->list().deleteAll(); }); }},
-        {"edit", "actionDeleteShown", "Изтрий вси&чки визуализирани записи", {},
+        {"edit",
+         "actionDeleteShown",
+         "Изтрий вси&чки визуализирани записи",
+         {},
          [this] { m_view->changeRows([this] { return m_view->list().deleteShown(); }); }},
-        {"edit", "actionDeleteSelected", "Изтрий ма&ркираните", {},
+        {"edit",
+         "actionDeleteSelected",
+         "Изтрий ма&ркираните",
+         {},
          [this] { m_view->changeRows([this] { return m_view->list().deleteSelected(); }); }},
         {"edit", nullptr, nullptr, {}, {}},
-        {"edit", "actionSetPaid", "&Установи маркираните записи като изплатени", {},
+        {"edit",
+         "actionSetPaid",
+         "&Установи маркираните записи като изплатени",
+         {},
          [this] { m_view->changeRows([this] { return m_view->list().setSelectedPaid(); }); }},
         {"edit", "actionResetFilter", "Без филтър", {}, [this] { m_view->resetFilter(); }},
         {"edit", nullptr, nullptr, {}, {}},
         {"edit", "actionSearch", "Т&ърси", QKeySequence(Qt::Key_F3), [this] { search(); }},
-        {"edit", "actionAmountFilter", "&Филтриране по сума ...", QKeySequence(Qt::SHIFT | Qt::Key_F3),
-         [this] { filterByAmount(); }},
-        {"edit", "actionTodayOnly", "Пока&жи само днешните операции", QKeySequence(Qt::CTRL | Qt::Key_D),
+        {"edit", "actionAmountFilter", "&Филтриране по сума ...",
+         QKeySequence(Qt::SHIFT | Qt::Key_F3), [this] { filterByAmount(); }},
+        {"edit", "actionTodayOnly", "Пока&жи само днешните операции",
+         QKeySequence(Qt::CTRL | Qt::Key_D),
          [this] {
              todayOnly(m_view->list().criteria(), m_doc.clock().now());
              m_view->filterPanel().showValues();
@@ -169,59 +219,111 @@ void CMainFrame::createActions()
                  refreshAfterLockChange();
              }
          }},
-        {"settings", "actionPermanentProtection", "Задаване на постоянна защита", {},
+        {"settings",
+         "actionPermanentProtection",
+         "Задаване на постоянна защита",
+         {},
          [this] {
              if (permanentProtectionCommand(m_doc, m_prompter, askPassword())) {
                  refreshAfterLockChange();
              }
          }},
         {"settings", nullptr, nullptr, {}, {}},
-        {"settings", "actionAutoSave", "Автоматичен запис след вс&яка операция", {},
+        {"settings",
+         "actionAutoSave",
+         "Автоматичен запис след вс&яка операция",
+         {},
          [this] { m_settings.toggle(IntSetting::AutoSave); }},
-        {"settings", "actionAutoOpen", "Отваряй последния използван документ при стартиране", {},
+        {"settings",
+         "actionAutoOpen",
+         "Отваряй последния използван документ при стартиране",
+         {},
          [this] { m_settings.toggle(IntSetting::AutoOpen); }},
-        {"settings", "actionShowToday", "Показвай днешните операции при отваряне", {},
+        {"settings",
+         "actionShowToday",
+         "Показвай днешните операции при отваряне",
+         {},
          [this] { m_settings.toggle(IntSetting::ShowForTodayOnOpen); }},
-        {"settings", "actionSubcategories", "Вкл&ючвай и подкатегориите при избор на категория", {},
+        {"settings",
+         "actionSubcategories",
+         "Вкл&ючвай и подкатегориите при избор на категория",
+         {},
          [this] {
              m_settings.toggle(IntSetting::ShowDataForSubCategories);
              m_view->filterPanel().showValues();
              m_view->refresh();
          }},
         {"settings", nullptr, nullptr, {}, {}},
-        {"settings", "actionBackupFolder", "Създавай резервни копия в директория ...", {},
+        {"settings",
+         "actionBackupFolder",
+         "Създавай резервни копия в директория ...",
+         {},
          [this] {
              QtFolderProbe probe;
-             BackupFolderDialog dialog(m_settings.text(TextSetting::BackupDir), m_prompter, probe, this);
+             BackupFolderDialog dialog(m_settings.text(TextSetting::BackupDir), m_prompter, probe,
+                                       this);
              if (dialog.exec() == QDialog::Accepted) {
                  chooseBackupFolder(m_settings, m_prompter, dialog.chosen());
              }
          }},
-        {"settings", "actionBackupBeside", "Използвай директорията на файла", {},
+        {"settings",
+         "actionBackupBeside",
+         "Използвай директорията на файла",
+         {},
          [this] { m_settings.setText(TextSetting::BackupDir, ""); }},
         {"settings", nullptr, nullptr, {}, {}},
-        {"settings", "actionSuggestNone", "Не предлагай валутен курс, аз ще попълня сам", {},
+        {"settings",
+         "actionSuggestNone",
+         "Не предлагай валутен курс, аз ще попълня сам",
+         {},
          [this] { m_settings.setValue(IntSetting::FixingSuggestMode, 0); }},
-        {"settings", "actionSuggestLast", "Автоматично предлагай последния използван курс", {},
+        {"settings",
+         "actionSuggestLast",
+         "Автоматично предлагай последния използван курс",
+         {},
          [this] { m_settings.setValue(IntSetting::FixingSuggestMode, 1); }},
-        {"settings", "actionSuggestAverage", "Автоматично предлагай усреднен курс ...", {},
+        {"settings",
+         "actionSuggestAverage",
+         "Автоматично предлагай усреднен курс ...",
+         {},
          [this] { m_settings.setValue(IntSetting::FixingSuggestMode, 2); }},
-        {"settings", "actionAskForRate", "Питай ме за потвърждение при всяка нова операция", {},
+        {"settings",
+         "actionAskForRate",
+         "Питай ме за потвърждение при всяка нова операция",
+         {},
          [this] {
              // Any value of 0 or less turns asking on, anything else off.
              m_settings.setValue(IntSetting::AskForFixingSuggestion,
                                  m_settings.value(IntSetting::AskForFixingSuggestion) <= 0 ? 1 : 0);
          }},
         {"settings", nullptr, nullptr, {}, {}},
-        {"settings", "actionOpTypeIncome", "Прихо&д", {}, [this] { m_settings.setValue(IntSetting::OpType, 0); }},
-        {"settings", "actionOpTypeExpense", "&Разход", {}, [this] { m_settings.setValue(IntSetting::OpType, 1); }},
-        {"settings", "actionOpTypeLast", "&Последната извършена", {},
+        {"settings",
+         "actionOpTypeIncome",
+         "Прихо&д",
+         {},
+         [this] { m_settings.setValue(IntSetting::OpType, 0); }},
+        {"settings",
+         "actionOpTypeExpense",
+         "&Разход",
+         {},
+         [this] { m_settings.setValue(IntSetting::OpType, 1); }},
+        {"settings",
+         "actionOpTypeLast",
+         "&Последната извършена",
+         {},
          [this] { m_settings.setValue(IntSetting::OpType, 2); }},
-        {"settings", "actionDblClickAdds", "Създавай нова операция в тази категория", {},
+        {"settings",
+         "actionDblClickAdds",
+         "Създавай нова операция в тази категория",
+         {},
          [this] { m_settings.toggle(IntSetting::AddOnDblClick); }},
-        {"settings", "actionDblClickFilters", "Добавяй категорията в списъка на избраните категории", {},
+        {"settings",
+         "actionDblClickFilters",
+         "Добавяй категорията в списъка на избраните категории",
+         {},
          [this] { m_settings.toggle(IntSetting::FilterOnDblClick); }},
-        {"edit", "actionCalculator", "Калку&латор", QKeySequence(Qt::Key_F9), [this] { startCalculator(); }},
+        {"edit", "actionCalculator", "Калку&латор", QKeySequence(Qt::Key_F9),
+         [this] { startCalculator(); }},
         {"edit", "actionAddCategoryToFilter", "Добави тази кате&гория към списъка на избраните ...",
          QKeySequence(Qt::Key_F2), [this] { m_view->filterPanel().addTreeCategory(); }},
     };
@@ -241,7 +343,10 @@ void CMainFrame::createActions()
              }
          }},
         {"ledger", nullptr, nullptr, {}, {}},
-        {"ledger", "actionYearlyChart", "&Диаграма за приходите и разходите през годината ...", {},
+        {"ledger",
+         "actionYearlyChart",
+         "&Диаграма за приходите и разходите през годината ...",
+         {},
          [this] {
              // The chart shows the ledger's figures, which a locked ledger keeps to itself.
              if (refuseWhenLocked(m_doc, m_prompter)) {
@@ -252,26 +357,43 @@ void CMainFrame::createActions()
              YearlyChartDialog dialog(m_doc, today.year, m_prompter, this);
              dialog.exec();
          }},
-        {"help", "actionHelp", "Помо&щна информация", QKeySequence(Qt::Key_F1), [this] { showHelp(this, {}); }},
-        {"help", "actionEffective", "По-ефективна работа с продукта ...", {},
+        {"help", "actionHelp", "Помо&щна информация", QKeySequence(Qt::Key_F1),
+         [this] { showHelp(this, {}); }},
+        {"help",
+         "actionEffective",
+         "По-ефективна работа с продукта ...",
+         {},
          [this] { showHelp(this, QStringLiteral("efective.htm")); }},
-        {"help", "actionTip", "Съвет на &деня", {},
+        {"help",
+         "actionTip",
+         "Съвет на &деня",
+         {},
          [this] {
              TipDialog dialog(tipsFilePath(), m_settings, m_prompter, this);
              dialog.exec();
          }},
         {"help", nullptr, nullptr, {}, {}},
-        {"help", "actionUpdateCheck", "Проверка за нова &версия ...", {},
+        {"help",
+         "actionUpdateCheck",
+         "Проверка за нова &версия ...",
+         {},
          [this] {
              const std::string own = m_settings.text(TextSetting::UpdateVersionFile);
-             UpdateCheck check(m_prompter,
-                               QUrl(QString::fromStdString(own.empty() ? kVersionFileAddress : own)),
-                               [](const QUrl& url) { QDesktopServices::openUrl(url); });
+             UpdateCheck check(
+                 m_prompter, QUrl(QString::fromStdString(own.empty() ? kVersionFileAddress : own)),
+                 [](const QUrl& url) { QDesktopServices::openUrl(url); });
              check.run();
          }},
-        {"help", "actionHomePage", "Finora в &интернет ...", {},
+        {"help",
+         "actionHomePage",
+         "Finora в &интернет ...",
+         {},
          [] { QDesktopServices::openUrl(QUrl(QString::fromLatin1(kHomePage))); }},
-        {"help", "actionAbout", "За програмата ...", {}, [this] { m_prompter.show(aboutMessage()); }},
+        {"help",
+         "actionAbout",
+         "За програмата ...",
+         {},
+         [this] { m_prompter.show(aboutMessage()); }},
     };
     commands.insert(commands.end(), ledgerCommands.begin(), ledgerCommands.end());
     QMenu* file = menuBar()->addMenu(QStringLiteral("&Файл"));
@@ -293,15 +415,19 @@ void CMainFrame::createActions()
         connect(action, &QAction::triggered, this, c.run);
         menu->addAction(action);
     }
-    action("actionRedo")->setShortcuts({QKeySequence(Qt::CTRL | Qt::Key_Y), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Z)});
-    for (const char* name : {"actionBackupFolder", "actionBackupBeside", "actionAutoSave", "actionAutoOpen", "actionShowToday", "actionSubcategories",
-                             "actionSuggestNone", "actionSuggestLast", "actionSuggestAverage",
-                             "actionAskForRate", "actionDblClickAdds", "actionDblClickFilters",
-                             "actionOpTypeIncome", "actionOpTypeExpense", "actionOpTypeLast"}) {
+    action("actionRedo")
+        ->setShortcuts(
+            {QKeySequence(Qt::CTRL | Qt::Key_Y), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Z)});
+    for (const char* name :
+         {"actionBackupFolder", "actionBackupBeside", "actionAutoSave", "actionAutoOpen",
+          "actionShowToday", "actionSubcategories", "actionSuggestNone", "actionSuggestLast",
+          "actionSuggestAverage", "actionAskForRate", "actionDblClickAdds", "actionDblClickFilters",
+          "actionOpTypeIncome", "actionOpTypeExpense", "actionOpTypeLast"}) {
         action(name)->setCheckable(true);
     }
     // Two choices of one setting each, in submenus of their own.
-    const auto submenu = [this, settings](const QString& title, std::initializer_list<const char*> names) {
+    const auto submenu = [this, settings](const QString& title,
+                                          std::initializer_list<const char*> names) {
         auto* menu = new QMenu(title, this);
         settings->insertMenu(action(*names.begin()), menu);
         for (const char* name : names) {
@@ -310,9 +436,11 @@ void CMainFrame::createActions()
         }
         return menu;
     };
-    submenu(QStringLiteral("Тип на новата операция"), {"actionOpTypeIncome", "actionOpTypeExpense", "actionOpTypeLast"})
+    submenu(QStringLiteral("Тип на новата операция"),
+            {"actionOpTypeIncome", "actionOpTypeExpense", "actionOpTypeLast"})
         ->setObjectName(QStringLiteral("menuOpType"));
-    submenu(QStringLiteral("При двойно кликване на категория ..."), {"actionDblClickAdds", "actionDblClickFilters"})
+    submenu(QStringLiteral("При двойно кликване на категория ..."),
+            {"actionDblClickAdds", "actionDblClickFilters"})
         ->setObjectName(QStringLiteral("menuDoubleClick"));
     // The recommended sites, then the about box last, as help menus end.
     auto* sites = new QMenu(QStringLiteral("Препоръчани сайтове"), this);
@@ -361,7 +489,8 @@ void CMainFrame::createActions()
         {"actionTip", "Показва съвет на деня"},
         {"actionUpdateCheck", "Проверява за нова версия на програмата"},
         {"actionAbout", "Версията на програмата, лицензът и версията на Qt"},
-        {"actionHomePage", "посете сайта на програмата в интернет, за да проверите за нови версии ..."},
+        {"actionHomePage",
+         "посете сайта на програмата в интернет, за да проверите за нови версии ..."},
     };
     for (const auto& [name, tip] : statusTips) {
         action(name)->setStatusTip(QString::fromUtf8(tip));
@@ -374,8 +503,10 @@ void CMainFrame::createActions()
 
     // "Визуализирани полета": one toggle a column, and all of them back at once.
     QMenu* columns = settings->addMenu(QStringLiteral("Визуализирани полета"));
-    const char* columnTexts[] = {"Дата", "Описание", "Тип", "Категория", "Сума", "Валута",
-                                 "Сума в BGL", "Забележки", "Последна модификация", "Изплатено"};
+    const char* columnTexts[] = {"Дата",       "Описание",  "Тип",
+                                 "Категория",  "Сума",      "Валута",
+                                 "Сума в BGL", "Забележки", "Последна модификация",
+                                 "Изплатено"};
     for (std::size_t i = 0; i < kColumnCount; ++i) {
         const auto column = static_cast<Column>(i);
         auto* toggle = columns->addAction(QString::fromUtf8(columnTexts[i]));
@@ -389,20 +520,24 @@ void CMainFrame::createActions()
                 [this, toggle, column] { toggle->setChecked(m_settings.columnShown(column)); });
     }
     columns->addSeparator();
-    connect(columns->addAction(QStringLiteral("Покажи всички колони")), &QAction::triggered, this, [this] {
-        for (std::size_t i = 0; i < kColumnCount; ++i) {
-            m_settings.setColumnShown(static_cast<Column>(i), true);
-        }
-        m_view->applyColumnVisibility();
-    });
+    connect(columns->addAction(QStringLiteral("Покажи всички колони")), &QAction::triggered, this,
+            [this] {
+                for (std::size_t i = 0; i < kColumnCount; ++i) {
+                    m_settings.setColumnShown(static_cast<Column>(i), true);
+                }
+                m_view->applyColumnVisibility();
+            });
 
     // The frequent commands on a toolbar, with the platform's own icons.
     QToolBar* tools = addToolBar(QStringLiteral("Инструменти"));
     tools->setObjectName(QStringLiteral("toolbar"));
     const std::pair<const char*, QStyle::StandardPixmap> toolbar[] = {
-        {"actionNew", QStyle::SP_FileIcon},          {"actionOpen", QStyle::SP_DialogOpenButton},
-        {"actionSave", QStyle::SP_DialogSaveButton}, {"actionUndo", QStyle::SP_ArrowBack},
-        {"actionRedo", QStyle::SP_ArrowForward},     {"actionRefresh", QStyle::SP_BrowserReload},
+        {"actionNew", QStyle::SP_FileIcon},
+        {"actionOpen", QStyle::SP_DialogOpenButton},
+        {"actionSave", QStyle::SP_DialogSaveButton},
+        {"actionUndo", QStyle::SP_ArrowBack},
+        {"actionRedo", QStyle::SP_ArrowForward},
+        {"actionRefresh", QStyle::SP_BrowserReload},
         {"actionSearch", QStyle::SP_FileDialogContentsView},
         {"actionDeleteSelected", QStyle::SP_TrashIcon},
     };
@@ -412,7 +547,8 @@ void CMainFrame::createActions()
         tools->addAction(a);
     }
 
-    connect(m_view->table(), &QAbstractItemView::doubleClicked, this, [this] { editSelectedOperation(); });
+    connect(m_view->table(), &QAbstractItemView::doubleClicked, this,
+            [this] { editSelectedOperation(); });
     m_view->filterPanel().setOnAddInCategory([this] { action("actionAddInCategory")->trigger(); });
     // The second main menu is the context menu of the whole view: panel, list and totals.
     m_view->setContextMenu(edit);
@@ -491,7 +627,8 @@ void CMainFrame::tellWhenHidden(std::int32_t lastIdBefore, std::int32_t editedId
     // The records of the save: those it added (ids past the counter as it was) and the one it
     // changed. Saved where the filter does not look, they would vanish without a word.
     std::unordered_set<std::int32_t> saved;
-    for (std::int32_t id = lastIdBefore + 1; id > lastIdBefore && id <= m_doc.ledger().counters.nextOperationId; ++id) {
+    for (std::int32_t id = lastIdBefore + 1;
+         id > lastIdBefore && id <= m_doc.ledger().counters.nextOperationId; ++id) {
         saved.insert(id);
     }
     if (editedId > 0) {
@@ -504,7 +641,8 @@ void CMainFrame::tellWhenHidden(std::int32_t lastIdBefore, std::int32_t editedId
         }
     }
     const std::size_t hidden = m_doc.operationCount() - list.rowCount();
-    statusBar()->showMessage(QString::fromUtf8(kSavedButHiddenText).arg(hidden).arg(m_doc.operationCount()), 20000);
+    statusBar()->showMessage(
+        QString::fromUtf8(kSavedButHiddenText).arg(hidden).arg(m_doc.operationCount()), 20000);
 }
 
 void CMainFrame::editSelectedOperation()
@@ -519,8 +657,7 @@ void CMainFrame::editSelectedOperation()
     }
 }
 
-template <class Dialog>
-void CMainFrame::runLedgerDialog(Dialog& dialog)
+template <class Dialog> void CMainFrame::runLedgerDialog(Dialog& dialog)
 {
     dialog.exec();
     m_view->filterPanel().showCriteria();
@@ -528,12 +665,14 @@ void CMainFrame::runLedgerDialog(Dialog& dialog)
 }
 
 std::optional<std::string> CMainFrame::chooseExportFile(const char* title, const char* filter,
-                                                       std::string_view extension)
+                                                        std::string_view extension)
 {
     const std::string folder =
-        m_doc.path().empty() ? std::string() : QFileInfo(QString::fromStdString(m_doc.path())).path().toStdString();
+        m_doc.path().empty() ? std::string()
+                             : QFileInfo(QString::fromStdString(m_doc.path())).path().toStdString();
     std::optional<std::string> path = m_host.chooseExportPath({title, filter, folder});
-    if (path && !QString::fromStdString(*path).endsWith(QString::fromLatin1(extension), Qt::CaseInsensitive)) {
+    if (path && !QString::fromStdString(*path).endsWith(QString::fromLatin1(extension),
+                                                        Qt::CaseInsensitive)) {
         *path += extension;
     }
     return path;
@@ -580,21 +719,25 @@ void CMainFrame::updateCommands()
     action("actionAmountFilter")->setEnabled(anyRow);
     // A temporary unlock lasts until the ledger is closed: there is no way back from the menu.
     action("actionTemporaryUnlock")->setEnabled(m_doc.isLocked());
-    action("actionTemporaryUnlock")->setText(
-        QString::fromStdString(temporaryUnlockMenuText(m_doc)).section(QLatin1Char('\t'), 0, 0));
-    action("actionPermanentProtection")->setText(QString::fromStdString(permanentProtectionMenuText(m_doc)));
+    action("actionTemporaryUnlock")
+        ->setText(QString::fromStdString(temporaryUnlockMenuText(m_doc))
+                      .section(QLatin1Char('\t'), 0, 0));
+    action("actionPermanentProtection")
+        ->setText(QString::fromStdString(permanentProtectionMenuText(m_doc)));
     action("actionAutoSave")->setChecked(m_settings.isOn(IntSetting::AutoSave));
     action("actionAutoOpen")->setChecked(m_settings.isOn(IntSetting::AutoOpen));
     const bool ownFolder = !m_settings.text(TextSetting::BackupDir).empty();
     action("actionBackupFolder")->setChecked(ownFolder);
     action("actionBackupBeside")->setChecked(!ownFolder);
     action("actionShowToday")->setChecked(m_settings.isOn(IntSetting::ShowForTodayOnOpen));
-    action("actionSubcategories")->setChecked(m_settings.isOn(IntSetting::ShowDataForSubCategories));
+    action("actionSubcategories")
+        ->setChecked(m_settings.isOn(IntSetting::ShowDataForSubCategories));
     const int mode = m_settings.value(IntSetting::FixingSuggestMode);
     action("actionSuggestNone")->setChecked(mode == 0);
     action("actionSuggestLast")->setChecked(mode == 1);
     action("actionSuggestAverage")->setChecked(mode == 2);
-    action("actionAskForRate")->setChecked(m_settings.value(IntSetting::AskForFixingSuggestion) == 1);
+    action("actionAskForRate")
+        ->setChecked(m_settings.value(IntSetting::AskForFixingSuggestion) == 1);
     // The panel makes an operation when AddOnDblClick is on and adds to the chosen list
     // otherwise, so exactly one of the two shows as active, with both keys unset too.
     action("actionDblClickAdds")->setChecked(m_settings.isOn(IntSetting::AddOnDblClick));
@@ -622,8 +765,9 @@ void CMainFrame::updateCommands()
 
 void CMainFrame::updateTitle()
 {
-    QString name = m_doc.path().empty() ? QString::fromUtf8(kUntitledName)
-                                        : QFileInfo(QString::fromStdString(m_doc.path())).fileName();
+    QString name = m_doc.path().empty()
+                       ? QString::fromUtf8(kUntitledName)
+                       : QFileInfo(QString::fromStdString(m_doc.path())).fileName();
     if (m_storage.isReadOnly()) {
         name += QString::fromUtf8(" (само за четене)");
     }
@@ -677,8 +821,8 @@ bool CMainFrame::startUp(const QStringList& arguments)
 {
     // The desktop opens filter files with Finora too: the ledger the program would open anyway,
     // seen through that filter. A filter that cannot be read is said so, and start-up goes on.
-    const bool filterFile =
-        arguments.size() > 1 && arguments.at(1).endsWith(QStringLiteral(".ffl"), Qt::CaseInsensitive);
+    const bool filterFile = arguments.size() > 1 &&
+                            arguments.at(1).endsWith(QStringLiteral(".ffl"), Qt::CaseInsensitive);
     if (arguments.size() > 1 && !filterFile) {
         return openLedger(arguments.at(1));
     }

@@ -2,13 +2,13 @@
 
 #include "app/finora_view.h"
 #include "app/report_printer.h"
+#include "editors/operation_editor.h"
+#include "lock/lock_commands.h"
 #include "model/clock.h"
 #include "model/document_host.h"
 #include "model/finora_doc.h"
 #include "settings/settings.h"
 #include "storage/backup_writer.h"
-#include "lock/lock_commands.h"
-#include "editors/operation_editor.h"
 #include "storage/document_storage.h"
 
 #include <QMainWindow>
@@ -81,11 +81,11 @@ private:
     void editSelectedOperation();
     void tellWhenHidden(std::int32_t lastIdBefore, std::int32_t editedId);
     // Dialogs that change categories or currencies: the panel shows the new ones afterwards.
-    template <class Dialog>
-    void runLedgerDialog(Dialog& dialog);
+    template <class Dialog> void runLedgerDialog(Dialog& dialog);
     void importLedgerFile();
     // The host's save dialog for an export; the extension is added when the name lacks it.
-    std::optional<std::string> chooseExportFile(const char* title, const char* filter, std::string_view extension);
+    std::optional<std::string> chooseExportFile(const char* title, const char* filter,
+                                                std::string_view extension);
     void exportReportPdf();
     // "Запиши списъка като CSV ...": the rows and columns the list shows now.
     void exportListCsv();

@@ -6,8 +6,7 @@ namespace finora {
 
 OperationsTableModel::OperationsTableModel(OperationsList& list, QObject* parent)
     : QAbstractTableModel(parent), m_list(list)
-{
-}
+{}
 
 int OperationsTableModel::rowCount(const QModelIndex& parent) const
 {

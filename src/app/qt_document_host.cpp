@@ -3,7 +3,6 @@
 #include <QCoreApplication>
 #include <QFileDialog>
 
-
 namespace finora {
 
 const char* const QtDocumentHost::kLedgerFilter = "Файлове на Finora (*.fnr);;Всички файлове (*.*)";
@@ -21,8 +20,8 @@ std::optional<std::string> QtDocumentHost::chooseSavePath()
 
 std::optional<std::string> QtDocumentHost::chooseOpenPath(const std::string& caption)
 {
-    const QString path = QFileDialog::getOpenFileName(m_parent, QString::fromStdString(caption), QString(),
-                                                      QString::fromUtf8(kLedgerFilter));
+    const QString path = QFileDialog::getOpenFileName(m_parent, QString::fromStdString(caption),
+                                                      QString(), QString::fromUtf8(kLedgerFilter));
     if (path.isEmpty()) {
         return std::nullopt;
     }
@@ -31,9 +30,9 @@ std::optional<std::string> QtDocumentHost::chooseOpenPath(const std::string& cap
 
 std::optional<std::string> QtDocumentHost::chooseExportPath(const ExportRequest& request)
 {
-    const QString path = QFileDialog::getSaveFileName(m_parent, QString::fromStdString(request.title),
-                                                      QString::fromStdString(request.folder),
-                                                      QString::fromStdString(request.filter));
+    const QString path = QFileDialog::getSaveFileName(
+        m_parent, QString::fromStdString(request.title), QString::fromStdString(request.folder),
+        QString::fromStdString(request.filter));
     if (path.isEmpty()) {
         return std::nullopt;
     }

@@ -3,7 +3,6 @@
 #include <QAbstractButton>
 #include <QApplication>
 #include <QMessageBox>
-
 #include <utility>
 
 namespace finora {
@@ -44,8 +43,9 @@ Answer QtPrompter::show(const Message& message)
         break;
     }
     // The buttons speak Bulgarian whatever translations the system has.
-    for (auto [button, text] : {std::pair{QMessageBox::Yes, "&Да"}, std::pair{QMessageBox::No, "&Не"},
-                                std::pair{QMessageBox::Cancel, "&Отказ"}}) {
+    for (auto [button, text] :
+         {std::pair{QMessageBox::Yes, "&Да"}, std::pair{QMessageBox::No, "&Не"},
+          std::pair{QMessageBox::Cancel, "&Отказ"}}) {
         if (QAbstractButton* b = box.button(button)) {
             b->setText(QString::fromUtf8(text));
         }

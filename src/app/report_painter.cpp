@@ -3,7 +3,6 @@
 #include <QFontDatabase>
 #include <QPagedPaintDevice>
 #include <QPainter>
-
 #include <algorithm>
 
 namespace finora {
@@ -25,7 +24,8 @@ public:
     double scale() const { return m_scale; }
     QRectF rect(const ReportRect& r) const
     {
-        return QRectF(QPointF(r.left * m_scale, -r.top * m_scale), QPointF(r.right * m_scale, -r.bottom * m_scale));
+        return QRectF(QPointF(r.left * m_scale, -r.top * m_scale),
+                      QPointF(r.right * m_scale, -r.bottom * m_scale));
     }
     QFont font(ReportFont use) const
     {
@@ -46,8 +46,9 @@ private:
 int alignment(const ReportItem& item)
 {
     int flags = Qt::TextSingleLine;
-    flags |= item.align == ReportAlign::Left ? Qt::AlignLeft : item.align == ReportAlign::Right ? Qt::AlignRight
-                                                                                               : Qt::AlignHCenter;
+    flags |= item.align == ReportAlign::Left    ? Qt::AlignLeft
+             : item.align == ReportAlign::Right ? Qt::AlignRight
+                                                : Qt::AlignHCenter;
     flags |= item.font == ReportFont::Table ? Qt::AlignVCenter : Qt::AlignTop;
     return flags;
 }
@@ -55,11 +56,13 @@ int alignment(const ReportItem& item)
 } // namespace
 
 int paintReport(QPagedPaintDevice& device, const OperationsList& list, const ReportContext& context,
-                const Settings& settings, bool selectionOnly, const ReportProgress& progress, ReportPages pages)
+                const Settings& settings, bool selectionOnly, const ReportProgress& progress,
+                ReportPages pages)
 {
     const QPageLayout layout = device.pageLayout();
     const bool landscape = layout.orientation() == QPageLayout::Landscape;
-    const ReportPlan plan = planReport(list.rowCount(), list.selectedCount(), selectionOnly, landscape);
+    const ReportPlan plan =
+        planReport(list.rowCount(), list.selectedCount(), selectionOnly, landscape);
     const int first = std::max(pages.first, 1);
     const int last = pages.last > 0 ? std::min(pages.last, plan.maxPage) : plan.maxPage;
     if (first > last) {
@@ -76,7 +79,8 @@ int paintReport(QPagedPaintDevice& device, const OperationsList& list, const Rep
     page.height = static_cast<int>(paper.height() * 10);
     page.landscape = landscape;
     // One line of the device's own font, measured before any of the report's fonts is chosen.
-    page.lineHeight = static_cast<int>(QFontMetricsF(painter.font(), &device).lineSpacing() / map.scale());
+    page.lineHeight =
+        static_cast<int>(QFontMetricsF(painter.font(), &device).lineSpacing() / map.scale());
     QPen pen(Qt::black);
     pen.setWidthF(2 * map.scale()); // 0.2 mm
     painter.setPen(pen);
@@ -89,7 +93,8 @@ int paintReport(QPagedPaintDevice& device, const OperationsList& list, const Rep
             device.newPage();
         }
         ++painted;
-        for (const ReportItem& item : layoutReportPage(list, context, settings, plan, page, number)) {
+        for (const ReportItem& item :
+             layoutReportPage(list, context, settings, plan, page, number)) {
             const QRectF r = map.rect(item.rect);
             switch (item.kind) {
             case ReportItem::Kind::Outline:

@@ -7,15 +7,15 @@
 #include <QPrintDialog>
 #include <QPrintPreviewDialog>
 #include <QProgressDialog>
-
 #include <algorithm>
 
 namespace finora {
 
-ReportPrinter::ReportPrinter(const CFinoraDoc& doc, const OperationsList& list, const Settings& settings)
-    : m_doc(doc), m_list(list), m_settings(settings), m_printer(std::make_unique<QPrinter>(QPrinter::HighResolution))
-{
-}
+ReportPrinter::ReportPrinter(const CFinoraDoc& doc, const OperationsList& list,
+                             const Settings& settings)
+    : m_doc(doc), m_list(list), m_settings(settings),
+      m_printer(std::make_unique<QPrinter>(QPrinter::HighResolution))
+{}
 
 namespace {
 
@@ -36,11 +36,13 @@ int ReportPrinter::paint(QPrinter& printer, bool selectionOnly) const
                        chosenPages(printer));
 }
 
-ReportPrinter::Painted ReportPrinter::paintShowingProgress(QPrinter& printer, bool selectionOnly, QWidget* parent) const
+ReportPrinter::Painted ReportPrinter::paintShowingProgress(QPrinter& printer, bool selectionOnly,
+                                                           QWidget* parent) const
 {
     // A report of a hundred thousand rows is two thousand pages: the user sees how far it has
     // come and may stop it, and the window is not frozen meanwhile.
-    QProgressDialog progress(QString::fromUtf8(kPreparingText), QStringLiteral("Отказ"), 0, 1, parent);
+    QProgressDialog progress(QString::fromUtf8(kPreparingText), QStringLiteral("Отказ"), 0, 1,
+                             parent);
     progress.setObjectName(QStringLiteral("reportProgress"));
     progress.setWindowTitle(QStringLiteral("Справка"));
     progress.setWindowModality(Qt::WindowModal);
@@ -68,10 +70,12 @@ void ReportPrinter::print(QWidget* parent)
     dialog.setOption(QAbstractPrintDialog::PrintSelection, m_list.selectedCount() > 0);
     dialog.setOption(QAbstractPrintDialog::PrintPageRange, true);
     const bool landscape = m_printer->pageLayout().orientation() == QPageLayout::Landscape;
-    dialog.setMinMax(1, std::max(1, planReport(m_list.rowCount(), m_list.selectedCount(), false, landscape).maxPage));
+    dialog.setMinMax(
+        1, std::max(
+               1, planReport(m_list.rowCount(), m_list.selectedCount(), false, landscape).maxPage));
     if (dialog.exec() == QDialog::Accepted) {
-        const Painted painted =
-            paintShowingProgress(*m_printer, m_printer->printRange() == QPrinter::Selection, parent);
+        const Painted painted = paintShowingProgress(
+            *m_printer, m_printer->printRange() == QPrinter::Selection, parent);
         if (painted.pages == 0 || painted.stopped || m_printer->printerState() == QPrinter::Error) {
             m_printer->abort(); // a stopped job is not half printed
         }
@@ -82,8 +86,9 @@ void ReportPrinter::preview(QWidget* parent)
 {
     QPrintPreviewDialog dialog(m_printer.get(), parent);
     dialog.setWindowTitle(QStringLiteral("Предпечатен изглед на справката"));
-    QObject::connect(&dialog, &QPrintPreviewDialog::paintRequested, &dialog,
-                     [this, &dialog](QPrinter* printer) { paintShowingProgress(*printer, false, &dialog); });
+    QObject::connect(
+        &dialog, &QPrintPreviewDialog::paintRequested, &dialog,
+        [this, &dialog](QPrinter* printer) { paintShowingProgress(*printer, false, &dialog); });
     dialog.resize(900, 700);
     dialog.exec();
 }

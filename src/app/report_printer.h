@@ -6,7 +6,6 @@
 #include "settings/settings.h"
 
 #include <QPrinter>
-
 #include <memory>
 
 class QWidget;

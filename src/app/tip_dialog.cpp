@@ -18,10 +18,11 @@ QString tipsFilePath()
 {
     const QString name = QStringLiteral("tips.txt");
     const QString appDir = QCoreApplication::applicationDirPath();
-    for (const QString& candidate : {QDir::current().filePath(name), QDir(appDir).filePath(name),
-                                     QDir(appDir).filePath(QStringLiteral("../share/finora/tips.txt")),
-                                     QStandardPaths::locate(QStandardPaths::GenericDataLocation,
-                                                            QStringLiteral("finora/tips.txt"))}) {
+    for (const QString& candidate :
+         {QDir::current().filePath(name), QDir(appDir).filePath(name),
+          QDir(appDir).filePath(QStringLiteral("../share/finora/tips.txt")),
+          QStandardPaths::locate(QStandardPaths::GenericDataLocation,
+                                 QStringLiteral("finora/tips.txt"))}) {
         if (QFileInfo::exists(candidate)) {
             return candidate;
         }
@@ -30,8 +31,8 @@ QString tipsFilePath()
 }
 
 TipDialog::TipDialog(const QString& path, Settings& settings, Prompter& prompter, QWidget* parent)
-    : QDialog(parent), m_tips(QFile::encodeName(path).toStdString(), settings, prompter), m_text(new QLabel(this)),
-      m_show(new QCheckBox(QStringLiteral("&показвай съветите"), this))
+    : QDialog(parent), m_tips(QFile::encodeName(path).toStdString(), settings, prompter),
+      m_text(new QLabel(this)), m_show(new QCheckBox(QStringLiteral("&показвай съветите"), this))
 {
     setWindowTitle(QStringLiteral("Съвет на деня"));
     auto* picture = new QLabel(this);
@@ -55,8 +56,10 @@ TipDialog::TipDialog(const QString& path, Settings& settings, Prompter& prompter
     m_show->setChecked(m_tips.showAtStartUp());
 
     auto* buttons = new QDialogButtonBox(this);
-    QPushButton* next = buttons->addButton(QStringLiteral("&Следващия"), QDialogButtonBox::ActionRole);
-    QPushButton* close = buttons->addButton(QStringLiteral("&Затвори"), QDialogButtonBox::AcceptRole);
+    QPushButton* next =
+        buttons->addButton(QStringLiteral("&Следващия"), QDialogButtonBox::ActionRole);
+    QPushButton* close =
+        buttons->addButton(QStringLiteral("&Затвори"), QDialogButtonBox::AcceptRole);
     close->setDefault(true);
     next->setAutoDefault(false);
     next->setEnabled(m_tips.isOpen());

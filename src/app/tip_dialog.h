@@ -12,7 +12,8 @@ namespace finora {
 // "Съвет на деня".
 class TipDialog final : public QDialog {
 public:
-    TipDialog(const QString& path, Settings& settings, Prompter& prompter, QWidget* parent = nullptr);
+    TipDialog(const QString& path, Settings& settings, Prompter& prompter,
+              QWidget* parent = nullptr);
     void accept() override;
     void done(int result) override;
     QString tipText() const;

@@ -9,13 +9,12 @@
 #include <QNetworkReply>
 #include <QTimer>
 
-
 namespace finora {
 
 UpdateCheck::UpdateCheck(Prompter& prompter, QUrl versionFile, Opener open, int timeoutMs)
-    : m_prompter(prompter), m_versionFile(std::move(versionFile)), m_open(std::move(open)), m_timeoutMs(timeoutMs)
-{
-}
+    : m_prompter(prompter), m_versionFile(std::move(versionFile)), m_open(std::move(open)),
+      m_timeoutMs(timeoutMs)
+{}
 
 QString UpdateCheck::firstLine(const QUrl& address) const
 {
@@ -52,12 +51,15 @@ void UpdateCheck::run()
         m_prompter.show({"", kLatestText, MessageIcon::None, MessageButtons::Ok});
         return;
     }
-    const QString address = firstLine(m_versionFile.resolved(QUrl(QString::fromLatin1(kDownloadFileName))));
-    const std::string text = "Най-новата версия на продукта Finora е " + fixedText(latest, 3) +
-                             ", а копието, с което работите е " + fixedText(kOwnVersion, 3) +
-                             ".\nЖелаете ли да изтеглите новата версия на програмата сега?\n\nURL на файла е: " +
-                             address.toStdString();
-    if (m_prompter.askYesNo(text, "Download?", MessageIcon::Question) == Answer::Yes && !address.isEmpty()) {
+    const QString address =
+        firstLine(m_versionFile.resolved(QUrl(QString::fromLatin1(kDownloadFileName))));
+    const std::string text =
+        "Най-новата версия на продукта Finora е " + fixedText(latest, 3) +
+        ", а копието, с което работите е " + fixedText(kOwnVersion, 3) +
+        ".\nЖелаете ли да изтеглите новата версия на програмата сега?\n\nURL на файла е: " +
+        address.toStdString();
+    if (m_prompter.askYesNo(text, "Download?", MessageIcon::Question) == Answer::Yes &&
+        !address.isEmpty()) {
         m_open(QUrl(address));
     }
 }

@@ -13,7 +13,8 @@ struct WebLink {
     const char* address;
 };
 inline constexpr WebLink kRecommendedSites[] = {
-    {"Българска народна банка - валутни курсове ...", "https://www.bnb.bg/Statistics/StExternalSector/StExchangeRates/StERForeignCurrencies/"},
+    {"Българска народна банка - валутни курсове ...",
+     "https://www.bnb.bg/Statistics/StExternalSector/StExchangeRates/StERForeignCurrencies/"},
     {"Национална агенция за приходите ...", "https://nap.bg/"},
     {"Министерство на финансите ...", "https://www.minfin.bg/"},
 };

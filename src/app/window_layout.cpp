@@ -8,7 +8,6 @@
 #include <QScreen>
 #include <QStyle>
 #include <QWidget>
-
 #include <string>
 
 namespace finora {
@@ -60,7 +59,8 @@ void keepWindowGeometry(QWidget* window, const char* name)
         window->restoreGeometry(QByteArray::fromBase64(QByteArray::fromStdString(saved)));
         // A size below the minimum, or a place on a screen that is gone, is not kept.
         const QScreen* screen = QGuiApplication::screenAt(window->geometry().center());
-        if (!screen || window->width() < window->minimumWidth() || window->height() < window->minimumHeight()) {
+        if (!screen || window->width() < window->minimumWidth() ||
+            window->height() < window->minimumHeight()) {
             window->setGeometry(before);
         }
     }

@@ -56,15 +56,18 @@ private:
     QPixmap m_picture;
 };
 
-YearlyChartDialog::YearlyChartDialog(const CFinoraDoc& doc, int year, Prompter& prompter, QWidget* parent)
-    : QDialog(parent), m_doc(doc), m_prompter(prompter), m_year(year), m_chart(std::make_unique<Chart>()), m_frame(new Frame(this)),
+YearlyChartDialog::YearlyChartDialog(const CFinoraDoc& doc, int year, Prompter& prompter,
+                                     QWidget* parent)
+    : QDialog(parent), m_doc(doc), m_prompter(prompter), m_year(year),
+      m_chart(std::make_unique<Chart>()), m_frame(new Frame(this)),
       m_yearEdit(new QLineEdit(QString::number(year), this))
 {
     setWindowTitle(QStringLiteral("Диаграма на приходите и разходите по месеци ..."));
     setObjectName(QStringLiteral("yearlyChart"));
     m_yearEdit->setObjectName(QStringLiteral("year"));
     m_yearEdit->setValidator(new QIntValidator(m_yearEdit));
-    m_yearEdit->setMaximumWidth(m_yearEdit->fontMetrics().horizontalAdvance(QStringLiteral("0000000")) + 12);
+    m_yearEdit->setMaximumWidth(
+        m_yearEdit->fontMetrics().horizontalAdvance(QStringLiteral("0000000")) + 12);
     computeYearlySummary(m_doc, m_year, m_summary);
 
     // The spin arrows step the year by one whatever it is; their own range is 2000 to 2020.
@@ -96,9 +99,9 @@ YearlyChartDialog::YearlyChartDialog(const CFinoraDoc& doc, int year, Prompter& 
     });
     connect(refresh, &QPushButton::clicked, this, [this] { draw(DrawMode::Refresh); });
     connect(save, &QPushButton::clicked, this, [this] {
-        const QString path = QFileDialog::getSaveFileName(this, QStringLiteral("Запиши диаграмата"),
-                                                          QStringLiteral("диаграма-%1.png").arg(m_year),
-                                                          QStringLiteral("PNG (*.png)"));
+        const QString path = QFileDialog::getSaveFileName(
+            this, QStringLiteral("Запиши диаграмата"),
+            QStringLiteral("диаграма-%1.png").arg(m_year), QStringLiteral("PNG (*.png)"));
         if (!path.isEmpty()) {
             savePicture(path);
         }

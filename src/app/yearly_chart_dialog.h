@@ -7,7 +7,6 @@
 
 #include <QDialog>
 #include <QPixmap>
-
 #include <memory>
 
 class QLineEdit;
@@ -20,7 +19,8 @@ class YearlyChartDialog final : public QDialog {
 public:
     enum class DrawMode { First = 0, YearChanged = 1, Refresh = 2 };
 
-    YearlyChartDialog(const CFinoraDoc& doc, int year, Prompter& prompter, QWidget* parent = nullptr);
+    YearlyChartDialog(const CFinoraDoc& doc, int year, Prompter& prompter,
+                      QWidget* parent = nullptr);
     ~YearlyChartDialog() override;
 
     int year() const { return m_year; }
@@ -35,7 +35,8 @@ public:
 
     static constexpr int kSpinMinimum = 2000;
     static constexpr int kSpinMaximum = 2020;
-    static constexpr const char* kRepaintText = "кликнете бутона \"обнови\" за опресняване на графиката...";
+    static constexpr const char* kRepaintText =
+        "кликнете бутона \"обнови\" за опресняване на графиката...";
 
 protected:
     void showEvent(QShowEvent* event) override;

@@ -3,7 +3,6 @@
 #include <QFontMetrics>
 #include <QPainter>
 #include <QRect>
-
 #include <algorithm>
 #include <cmath>
 
@@ -85,7 +84,8 @@ void Chart::draw(QPainter& painter, const QRect& area) const
     painter.setFont(titleFont);
     painter.setPen(Qt::black);
     const int titleHeight = QFontMetrics(titleFont).height();
-    painter.drawText(QRect(rest.left(), rest.top(), rest.width(), titleHeight), Qt::AlignCenter, m_title);
+    painter.drawText(QRect(rest.left(), rest.top(), rest.width(), titleHeight), Qt::AlignCenter,
+                     m_title);
     painter.setFont(bodyFont);
     rest.setTop(rest.top() + titleHeight + line / 2);
 
@@ -106,7 +106,8 @@ void Chart::drawLegend(QPainter& painter, const QRect& area) const
     const int box = fm.height() - 4;
     int width = 0;
     for (int s = 0; s < seriesCount(); ++s) {
-        width += box + 6 + fm.horizontalAdvance(m_legends.count(s) ? m_legends.at(s) : QString()) + 20;
+        width +=
+            box + 6 + fm.horizontalAdvance(m_legends.count(s) ? m_legends.at(s) : QString()) + 20;
     }
     int x = area.center().x() - width / 2;
     const int y = area.bottom() - fm.height();
@@ -126,17 +127,20 @@ void Chart::drawBarsOrLines(QPainter& painter, const QRect& area) const
     const QFontMetrics fm(painter.font());
     const int line = fm.height();
     const AxisScale scale = axisScale(m_yMin, m_yMax, m_ticks);
-    const int labelWidth = std::max(fm.horizontalAdvance(QString::number(static_cast<long long>(scale.maximum))),
-                                    fm.horizontalAdvance(QString::number(static_cast<long long>(scale.minimum))));
+    const int labelWidth =
+        std::max(fm.horizontalAdvance(QString::number(static_cast<long long>(scale.maximum))),
+                 fm.horizontalAdvance(QString::number(static_cast<long long>(scale.minimum))));
     // Room for the y title (turned), the tick labels, the group labels and the x title.
     const QRect plot(area.left() + line + labelWidth + 12, area.top() + line / 2,
-                     area.width() - (line + labelWidth + 12) - 8, area.height() - 3 * line - line / 2);
+                     area.width() - (line + labelWidth + 12) - 8,
+                     area.height() - 3 * line - line / 2);
     if (plot.width() < 10 || plot.height() < 10) {
         return;
     }
     const auto yOf = [&](double v) {
         const double clamped = std::clamp(v, scale.minimum, scale.maximum);
-        return plot.bottom() - (clamped - scale.minimum) / (scale.maximum - scale.minimum) * plot.height();
+        return plot.bottom() -
+               (clamped - scale.minimum) / (scale.maximum - scale.minimum) * plot.height();
     };
 
     // Grid and tick labels; labels only where they do not crowd each other.
@@ -152,7 +156,8 @@ void Chart::drawBarsOrLines(QPainter& painter, const QRect& area) const
             painter.setPen(Qt::black);
             painter.drawLine(plot.left() - 4, y, plot.left(), y);
             painter.drawText(QRect(plot.left() - labelWidth - 8, y - line / 2, labelWidth, line),
-                             Qt::AlignRight | Qt::AlignVCenter, QString::number(static_cast<long long>(std::llround(v))));
+                             Qt::AlignRight | Qt::AlignVCenter,
+                             QString::number(static_cast<long long>(std::llround(v))));
         }
     }
 
@@ -177,7 +182,8 @@ void Chart::drawBarsOrLines(QPainter& painter, const QRect& area) const
             const double left = plot.left() + g * groupWidth;
             for (int s = 0; s < series; ++s) {
                 const auto& values = m_values[static_cast<std::size_t>(g)];
-                const int v = s < static_cast<int>(values.size()) ? values[static_cast<std::size_t>(s)] : 0;
+                const int v =
+                    s < static_cast<int>(values.size()) ? values[static_cast<std::size_t>(s)] : 0;
                 if (m_type == Bars) {
                     const QRectF bar(QPointF(left + groupWidth * 0.1 + s * barWidth, yOf(v)),
                                      QPointF(left + groupWidth * 0.1 + (s + 1) * barWidth, zero));
@@ -190,7 +196,8 @@ void Chart::drawBarsOrLines(QPainter& painter, const QRect& area) const
             }
             painter.setPen(Qt::black);
             painter.setFont(labelFont);
-            painter.drawText(QRectF(left, plot.bottom() + 4, groupWidth, line), Qt::AlignHCenter | Qt::AlignTop,
+            painter.drawText(QRectF(left, plot.bottom() + 4, groupWidth, line),
+                             Qt::AlignHCenter | Qt::AlignTop,
                              QFontMetrics(labelFont).elidedText(m_labels.value(g), Qt::ElideRight,
                                                                 static_cast<int>(groupWidth)));
             painter.setFont(font);
@@ -206,11 +213,13 @@ void Chart::drawBarsOrLines(QPainter& painter, const QRect& area) const
     painter.setPen(Qt::black);
     painter.drawLine(plot.bottomLeft(), plot.topLeft());
     painter.drawLine(plot.left(), static_cast<int>(yOf(0)), plot.right(), static_cast<int>(yOf(0)));
-    painter.drawText(QRect(plot.left(), plot.bottom() + line + 4, plot.width(), line), Qt::AlignCenter, m_xTitle);
+    painter.drawText(QRect(plot.left(), plot.bottom() + line + 4, plot.width(), line),
+                     Qt::AlignCenter, m_xTitle);
     painter.save();
     painter.translate(area.left() + line / 2, plot.center().y());
     painter.rotate(-90);
-    painter.drawText(QRect(-plot.height() / 2, -line / 2, plot.height(), line), Qt::AlignCenter, m_yTitle);
+    painter.drawText(QRect(-plot.height() / 2, -line / 2, plot.height(), line), Qt::AlignCenter,
+                     m_yTitle);
     painter.restore();
 }
 

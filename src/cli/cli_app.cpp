@@ -10,13 +10,13 @@
 #include "reports/currency_cash.h"
 #include "reports/list_csv.h"
 #include "reports/yearly_summary.h"
-#include "storage/filter_file.h"
-#include "storage/ledger_import.h"
 #include "settings/overlay_settings_store.h"
 #include "settings/settings.h"
 #include "storage/backup_writer.h"
 #include "storage/document_storage.h"
 #include "storage/file_io.h"
+#include "storage/filter_file.h"
+#include "storage/ledger_import.h"
 #include "storage/ledger_lock.h"
 #include "text/cp1251.h"
 
@@ -46,17 +46,39 @@ struct OptionSpec {
 
 // Every option any command knows; a command ignores those that do not concern it.
 constexpr OptionSpec kOptions[] = {
-    {"--help", false},         {"--version", false},    {"--json", false},       {"--now", true},
-    {"--password", true},      {"-o", true},            {"--operations", true},
-    {"--seed", true},          {"--force", false},      {"--new-password", true},
-    {"--csv", false},          {"--from", true},        {"--to", true},
-    {"--type", true},          {"--currency", true},    {"--paid", true},
-    {"--category", true},      {"--subcategories", false}, {"--filter", true},
-    {"--search", true},        {"--mode", true},        {"--exact", false},
-    {"--in", true},            {"--case-sensitive", false}, {"--only-matching", false},
-    {"--amount", true},        {"--tolerance", true},   {"--also-bgl", false},
-    {"--pdf", true},           {"--landscape", false},  {"--png", true},
-    {"--width", true},         {"--height", true},
+    {"--help", false},
+    {"--version", false},
+    {"--json", false},
+    {"--now", true},
+    {"--password", true},
+    {"-o", true},
+    {"--operations", true},
+    {"--seed", true},
+    {"--force", false},
+    {"--new-password", true},
+    {"--csv", false},
+    {"--from", true},
+    {"--to", true},
+    {"--type", true},
+    {"--currency", true},
+    {"--paid", true},
+    {"--category", true},
+    {"--subcategories", false},
+    {"--filter", true},
+    {"--search", true},
+    {"--mode", true},
+    {"--exact", false},
+    {"--in", true},
+    {"--case-sensitive", false},
+    {"--only-matching", false},
+    {"--amount", true},
+    {"--tolerance", true},
+    {"--also-bgl", false},
+    {"--pdf", true},
+    {"--landscape", false},
+    {"--png", true},
+    {"--width", true},
+    {"--height", true},
 };
 
 struct Arguments {
@@ -197,11 +219,13 @@ public:
     {
         const auto deadline = std::chrono::steady_clock::now() + kWaitForOtherCommand;
         for (;;) {
-            if (m_lock.acquire(path, kCommandLineProgram, m_clock.now()) != LedgerLock::Result::HeldByOther) {
+            if (m_lock.acquire(path, kCommandLineProgram, m_clock.now()) !=
+                LedgerLock::Result::HeldByOther) {
                 return; // taken, or no lock can be kept there and so nobody holds one
             }
             const LockOwner& holder = m_lock.holder();
-            if (holder.program == kCommandLineProgram && std::chrono::steady_clock::now() < deadline) {
+            if (holder.program == kCommandLineProgram &&
+                std::chrono::steady_clock::now() < deadline) {
                 std::this_thread::sleep_for(std::chrono::milliseconds(50));
                 continue;
             }
@@ -222,7 +246,8 @@ public:
     Renderer& renderer() const
     {
         if (!m_renderer) {
-            throw Failure{kUsage, "тази програма е построена без рисуване: report и chart не са достъпни."};
+            throw Failure{kUsage,
+                          "тази програма е построена без рисуване: report и chart не са достъпни."};
         }
         return *m_renderer;
     }
@@ -232,8 +257,8 @@ public:
     {
         const auto result = m_storage.open(path);
         if (result != DocumentStorage::OpenResult::Opened) {
-            const std::string said = m_prompter.messages().empty() ? std::string()
-                                                                    : m_prompter.messages().back().text;
+            const std::string said =
+                m_prompter.messages().empty() ? std::string() : m_prompter.messages().back().text;
             const bool newer = said == DocumentStorage::kNewerFileText;
             throw Failure{newer ? kNewerFormat : kUnreadable, oneLine(said)};
         }
@@ -246,7 +271,8 @@ public:
     // have its protection removed.
     void unlockWithPassword(CFinoraDoc::LockCheck mode)
     {
-        if (m_doc.lockText().empty() || (mode == CFinoraDoc::LockCheck::TemporaryUnlock && !m_doc.isLocked())) {
+        if (m_doc.lockText().empty() ||
+            (mode == CFinoraDoc::LockCheck::TemporaryUnlock && !m_doc.isLocked())) {
             return;
         }
         const auto password = m_args.value("--password");
@@ -263,10 +289,12 @@ public:
         if (!m_storage.save(path)) {
             switch (m_storage.lastSaveFailure()) {
             case DocumentStorage::SaveFailure::ChangedOnDisk:
-                throw Failure{kNotWritten, "файлът „" + path + "“ беше променен от друга програма "
-                                           "по време на командата; нищо не е записано."};
+                throw Failure{kNotWritten, "файлът „" + path +
+                                               "“ беше променен от друга програма "
+                                               "по време на командата; нищо не е записано."};
             case DocumentStorage::SaveFailure::ReadOnly:
-                throw Failure{kNotWritten, "файлът „" + path + "“ е защитен от запис; нищо не е записано."};
+                throw Failure{kNotWritten,
+                              "файлът „" + path + "“ е защитен от запис; нищо не е записано."};
             default:
                 throw Failure{kNotWritten, m_prompter.messages().empty()
                                                ? "файлът „" + path + "“ не е записан."
@@ -315,10 +343,14 @@ void writeDateTime(JsonWriter& json, const DateTime& dt)
 void writeCounters(JsonWriter& json, const LedgerCounters& c)
 {
     json.beginObject()
-        .key("currency").value(c.nextCurrencyId)
-        .key("category").value(c.nextCategoryId)
-        .key("operation").value(c.nextOperationId)
-        .key("master").value(c.nextMasterId)
+        .key("currency")
+        .value(c.nextCurrencyId)
+        .key("category")
+        .value(c.nextCategoryId)
+        .key("operation")
+        .value(c.nextOperationId)
+        .key("master")
+        .value(c.nextMasterId)
         .endObject();
 }
 
@@ -329,7 +361,8 @@ void refuseExisting(const Session& s, const std::string& path)
 {
     std::error_code ec;
     if (!s.args().has("--force") && std::filesystem::exists(pathFromUtf8(path), ec)) {
-        throw Failure{kNotWritten, "файлът „" + path + "“ вече съществува; с --force ще бъде заменен."};
+        throw Failure{kNotWritten,
+                      "файлът „" + path + "“ вече съществува; с --force ще бъде заменен."};
     }
 }
 
@@ -352,11 +385,16 @@ int cmdInfo(Session& s, std::ostream& out)
     if (s.args().has("--json")) {
         JsonWriter json(out);
         json.beginObject()
-            .key("file").value(path)
-            .key("version").value(version)
-            .key("currencies").value(static_cast<std::int64_t>(l.currencies.size()))
-            .key("categories").value(static_cast<std::int64_t>(l.categories.size()))
-            .key("operations").value(static_cast<std::int64_t>(l.operations.size()))
+            .key("file")
+            .value(path)
+            .key("version")
+            .value(version)
+            .key("currencies")
+            .value(static_cast<std::int64_t>(l.currencies.size()))
+            .key("categories")
+            .value(static_cast<std::int64_t>(l.categories.size()))
+            .key("operations")
+            .value(static_cast<std::int64_t>(l.operations.size()))
             .key("counters");
         writeCounters(json, l.counters);
         json.key("locked").value(!l.lockText.empty()).endObject();
@@ -371,8 +409,8 @@ int cmdInfo(Session& s, std::ostream& out)
         << "Категории: " << l.categories.size() << '\n'
         << "Операции: " << l.operations.size() << '\n'
         << "Броячи: валути " << l.counters.nextCurrencyId << ", категории "
-        << l.counters.nextCategoryId << ", операции " << l.counters.nextOperationId
-        << ", плащания " << l.counters.nextMasterId << '\n'
+        << l.counters.nextCategoryId << ", операции " << l.counters.nextOperationId << ", плащания "
+        << l.counters.nextMasterId << '\n'
         << "Защита с парола: " << (l.lockText.empty() ? "не" : "да") << '\n';
     return kOk;
 }
@@ -394,22 +432,32 @@ int cmdDump(Session& s, std::ostream& out)
     json.endArray().key("categories").beginArray();
     for (const Category& c : l.categories) {
         json.beginObject()
-            .key("id").value(c.id())
-            .key("name").value(utf8(c.name()))
-            .key("parent").value(c.parentId())
+            .key("id")
+            .value(c.id())
+            .key("name")
+            .value(utf8(c.name()))
+            .key("parent")
+            .value(c.parentId())
             .endObject();
     }
     json.endArray().key("operations").beginArray();
     for (const Operation& op : l.operations) {
         json.beginObject().key("id").value(op.id()).key("date");
         writeDateTime(json, op.date());
-        json.key("description").value(utf8(op.description()))
-            .key("type").value(op.type())
-            .key("category").value(op.categoryId())
-            .key("amount").value(op.amount())
-            .key("currency").value(op.currencyId())
-            .key("amount_bgl").value(op.amountBgl())
-            .key("notes").value(utf8(op.notes()))
+        json.key("description")
+            .value(utf8(op.description()))
+            .key("type")
+            .value(op.type())
+            .key("category")
+            .value(op.categoryId())
+            .key("amount")
+            .value(op.amount())
+            .key("currency")
+            .value(op.currencyId())
+            .key("amount_bgl")
+            .value(op.amountBgl())
+            .key("notes")
+            .value(utf8(op.notes()))
             .key("last_modified");
         writeDateTime(json, op.lastModified());
         json.key("paid").value(op.paid()).key("master").value(op.masterId()).endObject();
@@ -460,7 +508,8 @@ DateTime parseDate(const std::string& text, std::string_view option)
                           static_cast<std::size_t>(used) == text.size();
     const DateTime date = DateTime::fromParts(y, m, d);
     if (!complete || !date.isValid()) {
-        throw Failure{kUsage, std::string(option) + " очаква дата във вида Д-М-ГГГГ, а не „" + text + "“."};
+        throw Failure{kUsage,
+                      std::string(option) + " очаква дата във вида Д-М-ГГГГ, а не „" + text + "“."};
     }
     return date;
 }
@@ -517,8 +566,8 @@ StoredFilter criteriaFromOptions(Session& s)
     if (a.values.count("--category")) {
         f.criteria.categories.clear();
         for (const std::string& id : a.all("--category")) {
-            f.criteria.categories.push_back(static_cast<std::int32_t>(
-                std::clamp<std::int64_t>(parseInteger(id, "--category", INT32_MIN), INT32_MIN, INT32_MAX)));
+            f.criteria.categories.push_back(static_cast<std::int32_t>(std::clamp<std::int64_t>(
+                parseInteger(id, "--category", INT32_MIN), INT32_MIN, INT32_MAX)));
         }
     }
     if (a.has("--subcategories")) {
@@ -557,7 +606,8 @@ SearchRequest searchFromOptions(const Arguments& a)
         } else if (field == "currency") {
             r.inCurrency = true;
         } else {
-            throw Failure{kUsage, "--in приема description, notes и currency, а не „" + field + "“."};
+            throw Failure{kUsage,
+                          "--in приема description, notes и currency, а не „" + field + "“."};
         }
         pos = end + 1;
     }
@@ -601,11 +651,17 @@ int cmdList(Session& s, std::ostream& out)
             }
             json.endArray().key("selected").value(list.isSelected(r)).endObject();
         }
-        json.endArray().key("totals").beginObject()
-            .key("income").value(utf8(t.incomeText()))
-            .key("expense").value(utf8(t.expenseText()))
-            .key("balance").value(utf8(t.balanceText()))
-            .endObject().endObject();
+        json.endArray()
+            .key("totals")
+            .beginObject()
+            .key("income")
+            .value(utf8(t.incomeText()))
+            .key("expense")
+            .value(utf8(t.expenseText()))
+            .key("balance")
+            .value(utf8(t.balanceText()))
+            .endObject()
+            .endObject();
         out << '\n';
         return kOk;
     }
@@ -665,7 +721,8 @@ int cmdCash(Session& s, std::ostream& out)
 
 int parseYear(const std::string& text)
 {
-    return static_cast<int>(std::clamp<std::int64_t>(parseInteger(text, "YEAR", INT32_MIN), INT32_MIN, INT32_MAX));
+    return static_cast<int>(
+        std::clamp<std::int64_t>(parseInteger(text, "YEAR", INT32_MIN), INT32_MIN, INT32_MAX));
 }
 
 int cmdYear(Session& s, std::ostream& out)
@@ -675,10 +732,15 @@ int cmdYear(Session& s, std::ostream& out)
     YearlySummary summary;
     const bool hasData = computeYearlySummary(s.doc(), year, summary);
     JsonWriter json(out);
-    json.beginObject().key("year").value(static_cast<std::int64_t>(year))
-        .key("has_data").value(hasData)
-        .key("maximum").value(summary.maximum)
-        .key("income").beginArray();
+    json.beginObject()
+        .key("year")
+        .value(static_cast<std::int64_t>(year))
+        .key("has_data")
+        .value(hasData)
+        .key("maximum")
+        .value(summary.maximum)
+        .key("income")
+        .beginArray();
     for (double v : summary.income) {
         json.value(v);
     }
@@ -687,8 +749,10 @@ int cmdYear(Session& s, std::ostream& out)
         json.value(v);
     }
     json.endArray()
-        .key("year_income").value(summary.yearIncome)
-        .key("year_expense").value(summary.yearExpense)
+        .key("year_income")
+        .value(summary.yearIncome)
+        .key("year_expense")
+        .value(summary.yearExpense)
         .endObject();
     out << '\n';
     return kOk;
@@ -732,7 +796,8 @@ int cmdChart(Session& s, std::ostream& out)
     }
     // Up to 8000 pixels a side: a picture, not a way to exhaust memory.
     const auto side = [&](std::string_view option, const char* fallback) {
-        const std::int64_t value = parseInteger(s.args().value(option).value_or(fallback), option, 1);
+        const std::int64_t value =
+            parseInteger(s.args().value(option).value_or(fallback), option, 1);
         if (value > 8000) {
             throw Failure{kUsage, std::string(option) + " може да бъде най-много 8000."};
         }
@@ -762,16 +827,19 @@ int cmdImport(Session& s, std::ostream& out)
     std::string bytes;
     FileError error = FileError::None;
     if (!readWholeFile(other, bytes, &error)) {
-        throw Failure{kUnreadable, "файлът „" + other + "“ не може да бъде отворен. " + describe(error)};
+        throw Failure{kUnreadable,
+                      "файлът „" + other + "“ не може да бъде отворен. " + describe(error)};
     }
     const ImportResult r = importLedger(s.doc(), bytes, s.prompter());
     if (r.status != ImportResult::Status::Imported) {
-        throw Failure{r.status == ImportResult::Status::Newer ? kNewerFormat : kUnreadable, oneLine(r.message)};
+        throw Failure{r.status == ImportResult::Status::Newer ? kNewerFormat : kUnreadable,
+                      oneLine(r.message)};
     }
     s.save(target);
     if (s.args().has("--json")) {
         JsonWriter json(out);
-        json.beginObject().key("added").value(r.added).key("skipped").value(r.skipped).key("import_category");
+        json.beginObject().key("added").value(r.added).key("skipped").value(r.skipped).key(
+            "import_category");
         if (r.importCategory) {
             json.value(utf8(*r.importCategory));
         } else {
@@ -823,7 +891,8 @@ int cmdSaveFilter(Session& s, std::ostream& out)
     const StoredFilter f = criteriaFromOptions(s);
     FileError error = FileError::None;
     if (!saveFilterFile(path, f, &error)) {
-        throw Failure{kNotWritten, "филтърът не може да бъде записан в „" + path + "“. " + describe(error)};
+        throw Failure{kNotWritten,
+                      "филтърът не може да бъде записан в „" + path + "“. " + describe(error)};
     }
     out << "Филтърът е записан: " << path << '\n';
     return kOk;
@@ -840,17 +909,24 @@ int cmdShowFilter(Session& s, std::ostream& out)
     }
     JsonWriter json(out);
     json.beginObject()
-        .key("from").value(f.criteria.from.dateText())
-        .key("to").value(f.criteria.to.dateText())
-        .key("type").value(static_cast<std::int64_t>(f.criteria.typeFilter))
-        .key("categories").beginArray();
+        .key("from")
+        .value(f.criteria.from.dateText())
+        .key("to")
+        .value(f.criteria.to.dateText())
+        .key("type")
+        .value(static_cast<std::int64_t>(f.criteria.typeFilter))
+        .key("categories")
+        .beginArray();
     for (std::int32_t id : f.criteria.categories) {
         json.value(id);
     }
     json.endArray()
-        .key("subcategories").value(f.includeSubcategories)
-        .key("currency").value(utf8(f.criteria.currency))
-        .key("paid").value(static_cast<std::int64_t>(f.criteria.paidState))
+        .key("subcategories")
+        .value(f.includeSubcategories)
+        .key("currency")
+        .value(utf8(f.criteria.currency))
+        .key("paid")
+        .value(static_cast<std::int64_t>(f.criteria.paidState))
         .endObject();
     out << '\n';
     return kOk;
@@ -869,14 +945,19 @@ constexpr Command kCommands[] = {
     {"dump", 1, cmdDump, "dump FILE --json                   всички записи и броячи като JSON"},
     {"convert", 1, cmdConvert, "convert FILE [-o OUT]              записва във формат 1.4"},
     {"generate", 1, cmdGenerate,
-     "generate FILE --operations N [--seed S] [--force]   примерен документ за демонстрации и измервания"},
-    {"list", 1, cmdList, "list FILE [филтър] [търсене] [сума] [--json]   списъкът на главния прозорец"},
-    {"export", 1, cmdExport, "export FILE --csv [филтър] [търсене] [сума]   същите редове като CSV"},
+     "generate FILE --operations N [--seed S] [--force]   примерен документ за демонстрации и "
+     "измервания"},
+    {"list", 1, cmdList,
+     "list FILE [филтър] [търсене] [сума] [--json]   списъкът на главния прозорец"},
+    {"export", 1, cmdExport,
+     "export FILE --csv [филтър] [търсене] [сума]   същите редове като CSV"},
     {"cash", 1, cmdCash, "cash FILE [--json]                 валутната каса"},
     {"year", 2, cmdYear, "year FILE YEAR                     приходи и разходи по месеци"},
     {"report", 1, cmdReport,
-     "report FILE --pdf OUT [филтър] [търсене] [сума] [--landscape]   отпечатаната справка като PDF"},
-    {"chart", 2, cmdChart, "chart FILE YEAR --png OUT [--width W --height H]   диаграмата на годината като PNG"},
+     "report FILE --pdf OUT [филтър] [търсене] [сума] [--landscape]   отпечатаната справка като "
+     "PDF"},
+    {"chart", 2, cmdChart,
+     "chart FILE YEAR --png OUT [--width W --height H]   диаграмата на годината като PNG"},
     {"import", 2, cmdImport, "import FILE OTHER [-o OUT] [--json]   добавя операциите на OTHER"},
     {"lock", 1, cmdLock, "lock FILE --new-password P        защитава документа с парола"},
     {"unlock", 1, cmdUnlock, "unlock FILE --password P           премахва защитата"},
@@ -905,7 +986,8 @@ void printHelp(std::ostream& out)
            "Команди, които записват документ, го заключват за времето си; документ, отворен във\n"
            "Finora, се записва само с --force.\n\n"
            "Изходен код: 0 успех, 1 грешна употреба, 2 файлът не може да бъде прочетен,\n"
-           "3 файлът е от по-нова версия, 4 документът е защитен, 5 файлът не може да бъде записан,\n"
+           "3 файлът е от по-нова версия, 4 документът е защитен, 5 файлът не може да бъде "
+           "записан,\n"
            "6 документът е отворен във Finora.\n";
 }
 

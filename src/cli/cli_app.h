@@ -29,11 +29,12 @@ class Renderer {
 public:
     virtual ~Renderer() = default;
     // The printed report of the list on A4 paper, as PDF; false when it cannot be written.
-    virtual bool reportPdf(const std::string& path, const OperationsList& list, const ReportContext& context,
-                           const Settings& settings, bool landscape) = 0;
+    virtual bool reportPdf(const std::string& path, const OperationsList& list,
+                           const ReportContext& context, const Settings& settings,
+                           bool landscape) = 0;
     // The yearly income and expense chart, `width` × `height` pixels, as PNG.
-    virtual bool chartPng(const std::string& path, const YearlySummary& summary, int year, int width,
-                          int height) = 0;
+    virtual bool chartPng(const std::string& path, const YearlySummary& summary, int year,
+                          int width, int height) = 0;
 };
 
 // Runs one command line (without the program name). Output is UTF-8; errors go to `err` as one

@@ -23,8 +23,8 @@ void QtRenderer::startGui()
     m_app = std::make_unique<QGuiApplication>(m_argc, m_argv);
 }
 
-bool QtRenderer::reportPdf(const std::string& path, const OperationsList& list, const ReportContext& context,
-                           const Settings& settings, bool landscape)
+bool QtRenderer::reportPdf(const std::string& path, const OperationsList& list,
+                           const ReportContext& context, const Settings& settings, bool landscape)
 {
     startGui();
     QPdfWriter pdf(QString::fromStdString(path));
@@ -35,7 +35,8 @@ bool QtRenderer::reportPdf(const std::string& path, const OperationsList& list, 
     return paintReport(pdf, list, context, settings, false) > 0;
 }
 
-bool QtRenderer::chartPng(const std::string& path, const YearlySummary& summary, int year, int width, int height)
+bool QtRenderer::chartPng(const std::string& path, const YearlySummary& summary, int year,
+                          int width, int height)
 {
     startGui();
     QImage image(width, height, QImage::Format_RGB32);

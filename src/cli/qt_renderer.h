@@ -16,8 +16,8 @@ public:
     QtRenderer();
     ~QtRenderer() override;
 
-    bool reportPdf(const std::string& path, const OperationsList& list, const ReportContext& context,
-                   const Settings& settings, bool landscape) override;
+    bool reportPdf(const std::string& path, const OperationsList& list,
+                   const ReportContext& context, const Settings& settings, bool landscape) override;
     bool chartPng(const std::string& path, const YearlySummary& summary, int year, int width,
                   int height) override;
 

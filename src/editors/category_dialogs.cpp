@@ -45,7 +45,8 @@ QGroupBox* framed(const char* title, QWidget* content, QWidget* parent)
 
 // --- the chooser
 
-CategoryChooserDialog::CategoryChooserDialog(const CFinoraDoc& doc, std::int32_t current, QWidget* parent)
+CategoryChooserDialog::CategoryChooserDialog(const CFinoraDoc& doc, std::int32_t current,
+                                             QWidget* parent)
     : QDialog(parent), m_chooser(doc, current), m_chosen(new QLabel(this)),
       m_tree(makeCategoryTree(this, doc))
 {
@@ -105,12 +106,14 @@ CategoryDialog::CategoryDialog(CFinoraDoc& doc, Prompter& prompter, CategoryEdit
     buttons->buttons().at(0)->setIcon(style()->standardIcon(QStyle::SP_DialogApplyButton));
     buttons->buttons().at(1)->setIcon(style()->standardIcon(QStyle::SP_DialogCancelButton));
     auto* layout = new QGridLayout(this);
-    layout->addWidget(new QLabel(QStringLiteral("впишете наименование на категорията:"), this), 0, 0, 1, 2);
+    layout->addWidget(new QLabel(QStringLiteral("впишете наименование на категорията:"), this), 0,
+                      0, 1, 2);
     layout->addWidget(m_name, 1, 0, 1, 2);
     layout->addWidget(m_isSub, 2, 0);
     layout->addWidget(m_parent, 2, 1);
-    layout->addWidget(new QLabel(QStringLiteral("изберете родителска категория (с двойно кликване):"), this),
-                      3, 0, 1, 2);
+    layout->addWidget(
+        new QLabel(QStringLiteral("изберете родителска категория (с двойно кликване):"), this), 3,
+        0, 1, 2);
     layout->addWidget(m_tree, 4, 0, 1, 2);
     layout->addWidget(buttons, 5, 0, 1, 2);
     layout->setColumnStretch(1, 1);
@@ -144,7 +147,8 @@ void CategoryDialog::accept()
 
 // --- the tree editor
 
-CategoryTreeDialog::CategoryTreeDialog(CFinoraDoc& doc, Prompter& prompter, bool selectionMode, QWidget* parent)
+CategoryTreeDialog::CategoryTreeDialog(CFinoraDoc& doc, Prompter& prompter, bool selectionMode,
+                                       QWidget* parent)
     : QDialog(parent), m_doc(doc), m_prompter(prompter), m_selectionMode(selectionMode),
       m_tree(new QTreeWidget(this)),
       m_list(makeReportList(this, {{"#", 0}, {"категория", 180}, {"подкатегория на", 160}})),
@@ -167,8 +171,10 @@ CategoryTreeDialog::CategoryTreeDialog(CFinoraDoc& doc, Prompter& prompter, bool
         b->setAutoDefault(false);
     }
 
-    connect(add, &QPushButton::clicked, this, [this] { openCategoryDialog(CategoryEditor::Mode::New); });
-    connect(m_change, &QPushButton::clicked, this, [this] { openCategoryDialog(CategoryEditor::Mode::Change); });
+    connect(add, &QPushButton::clicked, this,
+            [this] { openCategoryDialog(CategoryEditor::Mode::New); });
+    connect(m_change, &QPushButton::clicked, this,
+            [this] { openCategoryDialog(CategoryEditor::Mode::Change); });
     connect(m_delete, &QPushButton::clicked, this, [this] { deleteSelected(); });
     connect(refresh, &QPushButton::clicked, this, [this] { rebuild(); });
     connect(exit, &QPushButton::clicked, this, &QDialog::reject);
@@ -182,10 +188,13 @@ CategoryTreeDialog::CategoryTreeDialog(CFinoraDoc& doc, Prompter& prompter, bool
     // own double click is taken here.
     m_tree->viewport()->installEventFilter(this);
 
-    m_menu->addAction(QStringLiteral("&Нова категория ..."), this, [this] { openCategoryDialog(CategoryEditor::Mode::New); });
-    QAction* change = m_menu->addAction(QStringLiteral("&Промяна ..."), this,
-                                        [this] { openCategoryDialog(CategoryEditor::Mode::Change); });
-    QAction* remove = m_menu->addAction(QStringLiteral("&Изтрий"), this, [this] { deleteSelected(); });
+    m_menu->addAction(QStringLiteral("&Нова категория ..."), this,
+                      [this] { openCategoryDialog(CategoryEditor::Mode::New); });
+    QAction* change = m_menu->addAction(QStringLiteral("&Промяна ..."), this, [this] {
+        openCategoryDialog(CategoryEditor::Mode::Change);
+    });
+    QAction* remove =
+        m_menu->addAction(QStringLiteral("&Изтрий"), this, [this] { deleteSelected(); });
     m_menu->addAction(QStringLiteral("&Опресни"), this, [this] { rebuild(); });
     m_menu->addSeparator();
     m_menu->addAction(QStringLiteral("И&зход"), this, &QDialog::reject);
@@ -241,7 +250,8 @@ void CategoryTreeDialog::updateButtons()
 
 void CategoryTreeDialog::showListRowOf(std::int32_t id)
 {
-    const QList<QTreeWidgetItem*> found = m_list->findItems(QString::number(id), Qt::MatchExactly, 0);
+    const QList<QTreeWidgetItem*> found =
+        m_list->findItems(QString::number(id), Qt::MatchExactly, 0);
     if (!found.isEmpty()) {
         m_list->setCurrentItem(found.first());
         m_list->scrollToItem(found.first());
@@ -270,7 +280,8 @@ void CategoryTreeDialog::openCategoryDialog(CategoryEditor::Mode mode)
     if (mode == CategoryEditor::Mode::Change && !id) {
         return;
     }
-    CategoryDialog dialog(m_doc, m_prompter, mode, mode == CategoryEditor::Mode::New ? -1 : *id, this);
+    CategoryDialog dialog(m_doc, m_prompter, mode, mode == CategoryEditor::Mode::New ? -1 : *id,
+                          this);
     if (dialog.exec() == QDialog::Accepted) {
         rebuild();
     }

@@ -23,8 +23,9 @@ std::vector<CategoryNode> categoryTree(const CFinoraDoc& doc, SiblingOrder order
     if (order == SiblingOrder::Name) {
         // Byte order of Windows-1251 is alphabetical for Latin and for Cyrillic letters alike.
         for (auto& [parent, kids] : children) {
-            std::stable_sort(kids.begin(), kids.end(),
-                             [](const Category* a, const Category* b) { return a->name() < b->name(); });
+            std::stable_sort(kids.begin(), kids.end(), [](const Category* a, const Category* b) {
+                return a->name() < b->name();
+            });
         }
     }
 

@@ -11,7 +11,7 @@ namespace finora {
 // One category as the editors' trees show it, in pre-order: a depth and a name.
 struct CategoryNode {
     std::int32_t id = 0;
-    int depth = 0; // 0 for a top-level category
+    int depth = 0;                     // 0 for a top-level category
     const std::string* name = nullptr; // Windows-1251, owned by the ledger
 };
 
@@ -23,6 +23,7 @@ enum class SiblingOrder { Ledger, Name };
 // category whose parent is not in the ledger (only a hand-made file has one) comes at the end
 // as a top-level item rather than vanishing; a repeated id appears once. One pass with an
 // explicit stack: any depth, any size, linear.
-std::vector<CategoryNode> categoryTree(const CFinoraDoc& doc, SiblingOrder order = SiblingOrder::Ledger);
+std::vector<CategoryNode> categoryTree(const CFinoraDoc& doc,
+                                       SiblingOrder order = SiblingOrder::Ledger);
 
 } // namespace finora

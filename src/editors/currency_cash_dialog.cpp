@@ -17,7 +17,8 @@
 
 namespace finora {
 
-CurrencyNameDialog::CurrencyNameDialog(const std::string& current, Prompter& prompter, QWidget* parent)
+CurrencyNameDialog::CurrencyNameDialog(const std::string& current, Prompter& prompter,
+                                       QWidget* parent)
     : QDialog(parent), m_prompter(prompter), m_edit(new QLineEdit(qt(current), this))
 {
     setWindowTitle(current.empty() ? QStringLiteral("Нова валута") : QStringLiteral("Промяна"));
@@ -58,8 +59,8 @@ void CurrencyNameDialog::accept()
     QDialog::accept();
 }
 
-CurrencyCashDialog::CurrencyCashDialog(CFinoraDoc& doc, const Settings& settings, Prompter& prompter,
-                                       QWidget* parent)
+CurrencyCashDialog::CurrencyCashDialog(CFinoraDoc& doc, const Settings& settings,
+                                       Prompter& prompter, QWidget* parent)
     : QDialog(parent), m_editor(doc, settings, prompter), m_prompter(prompter),
       m_list(makeReportList(this, {{cashColumnHeaders()[0], 0},
                                    {cashColumnHeaders()[1], 80},

@@ -14,8 +14,9 @@ DateField::DateField(QWidget* parent) : QDateEdit(parent)
 
 void DateField::keyPressEvent(QKeyEvent* event)
 {
-    const bool opensList = event->key() == Qt::Key_F4 ||
-                           (event->key() == Qt::Key_Down && event->modifiers().testFlag(Qt::AltModifier));
+    const bool opensList =
+        event->key() == Qt::Key_F4 ||
+        (event->key() == Qt::Key_Down && event->modifiers().testFlag(Qt::AltModifier));
     if (!opensList) {
         QDateEdit::keyPressEvent(event);
         return;
@@ -27,9 +28,11 @@ void DateField::keyPressEvent(QKeyEvent* event)
     option.frame = true;
     option.subControls = QStyle::SC_All;
     const QPoint arrow =
-        style()->subControlRect(QStyle::CC_ComboBox, &option, QStyle::SC_ComboBoxArrow, this).center();
-    QMouseEvent press(QEvent::MouseButtonPress, arrow, mapToGlobal(arrow), Qt::LeftButton, Qt::LeftButton,
-                      Qt::NoModifier);
+        style()
+            ->subControlRect(QStyle::CC_ComboBox, &option, QStyle::SC_ComboBoxArrow, this)
+            .center();
+    QMouseEvent press(QEvent::MouseButtonPress, arrow, mapToGlobal(arrow), Qt::LeftButton,
+                      Qt::LeftButton, Qt::NoModifier);
     mousePressEvent(&press);
     event->accept();
 }

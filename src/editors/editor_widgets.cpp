@@ -10,7 +10,6 @@
 #include <QPushButton>
 #include <QScrollArea>
 #include <QTreeWidget>
-
 #include <algorithm>
 #include <vector>
 
@@ -94,7 +93,8 @@ QTreeWidget* makeReportList(QWidget* parent, std::initializer_list<ReportColumn>
             list->hideColumn(i);
         } else {
             // Never narrower than its header: a clipped Bulgarian caption reads as another word.
-            const int header = list->fontMetrics().horizontalAdvance(QString::fromUtf8(c.header)) + 20;
+            const int header =
+                list->fontMetrics().horizontalAdvance(QString::fromUtf8(c.header)) + 20;
             list->setColumnWidth(i, std::max(c.width, header));
         }
         ++i;

@@ -5,7 +5,6 @@
 
 #include <QDate>
 #include <QString>
-
 #include <cstdint>
 #include <initializer_list>
 #include <optional>
@@ -32,7 +31,8 @@ std::optional<std::int32_t> categoryIdOf(const QTreeWidgetItem* item);
 // The ledger's categories as a tree widget shows them: children below their parents, siblings
 // in `order`, everything expanded. Below a depth no person builds, the rest of a chain is shown
 // at that depth: a hand-made file nested a hundred thousand deep stays a usable list.
-void fillCategoryTree(QTreeWidget* tree, const CFinoraDoc& doc, SiblingOrder order = SiblingOrder::Ledger);
+void fillCategoryTree(QTreeWidget* tree, const CFinoraDoc& doc,
+                      SiblingOrder order = SiblingOrder::Ledger);
 inline constexpr int kMaxShownCategoryDepth = 32;
 // The item that carries the id, if the tree shows it.
 QTreeWidgetItem* findCategoryItem(QTreeWidget* tree, std::int32_t id);

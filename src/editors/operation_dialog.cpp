@@ -24,7 +24,6 @@
 #include <QTimer>
 #include <QTreeWidget>
 #include <QVBoxLayout>
-
 #include <functional>
 
 namespace finora {
@@ -67,10 +66,11 @@ OperationDialog::OperationDialog(CFinoraDoc& doc, Settings& settings, Prompter& 
     : QDialog(parent), m_doc(doc), m_prompter(prompter),
       m_editor(doc, settings, prompter, doc.clock().now(), opening), m_date(new DateField(this)),
       m_income(new QRadioButton(QStringLiteral("приход"), this)),
-      m_expense(new QRadioButton(QStringLiteral("разход"), this)), m_description(new QLineEdit(this)),
-      m_category(new QLabel(this)), m_notes(new QLineEdit(this)), m_amount(new QLineEdit(this)),
-      m_currency(new CurrencyCombo(this)), m_rate(new QLineEdit(this)), m_value(new QLineEdit(this)),
-      m_paid(new QCheckBox(QStringLiteral("изплатено?"), this)),
+      m_expense(new QRadioButton(QStringLiteral("разход"), this)),
+      m_description(new QLineEdit(this)), m_category(new QLabel(this)),
+      m_notes(new QLineEdit(this)), m_amount(new QLineEdit(this)),
+      m_currency(new CurrencyCombo(this)), m_rate(new QLineEdit(this)),
+      m_value(new QLineEdit(this)), m_paid(new QCheckBox(QStringLiteral("изплатено?"), this)),
       m_addChange(new QPushButton(QStringLiteral("&добави/промени"), this)),
       m_list(makeReportList(this, {{"#", 0},
                                    {"сума", 70, Qt::AlignRight},
@@ -81,7 +81,8 @@ OperationDialog::OperationDialog(CFinoraDoc& doc, Settings& settings, Prompter& 
                                    {"inner_id", 0, Qt::AlignCenter}})),
       m_edit(new QPushButton(QStringLiteral("р&едакция"), this)),
       m_delete(new QPushButton(QStringLiteral("из&трий"), this)),
-      m_deleteAll(new QPushButton(QStringLiteral("изтрий вси&чки"), this)), m_total(new QLineEdit(this)),
+      m_deleteAll(new QPushButton(QStringLiteral("изтрий вси&чки"), this)),
+      m_total(new QLineEdit(this)),
       m_saveAndNew(new QPushButton(QStringLiteral("съхрани и добави &нова"), this))
 {
     setWindowTitle(QString::fromUtf8(OperationEditor::kTitle));
@@ -117,7 +118,8 @@ OperationDialog::OperationDialog(CFinoraDoc& doc, Settings& settings, Prompter& 
     }
     auto* chooseCategory = new QPushButton(QStringLiteral("..."), this);
     chooseCategory->setObjectName(QStringLiteral("chooseCategory"));
-    chooseCategory->setMaximumWidth(chooseCategory->fontMetrics().horizontalAdvance(QStringLiteral("....")) + 20);
+    chooseCategory->setMaximumWidth(
+        chooseCategory->fontMetrics().horizontalAdvance(QStringLiteral("....")) + 20);
     auto* clear = new QPushButton(QStringLiteral("изчи&сти"), this);
     m_addChange->setIcon(style()->standardIcon(QStyle::SP_ArrowDown));
     clear->setIcon(style()->standardIcon(QStyle::SP_DialogResetButton));
@@ -125,7 +127,8 @@ OperationDialog::OperationDialog(CFinoraDoc& doc, Settings& settings, Prompter& 
     auto* cancel = new QPushButton(QStringLiteral("отказ"), this);
     m_cancel = cancel;
     save->setDefault(true);
-    for (QPushButton* b : {m_addChange, clear, m_edit, m_delete, m_deleteAll, m_saveAndNew, cancel, chooseCategory}) {
+    for (QPushButton* b : {m_addChange, clear, m_edit, m_delete, m_deleteAll, m_saveAndNew, cancel,
+                           chooseCategory}) {
         b->setAutoDefault(false);
     }
     m_saveAndNew->setVisible(m_editor.isNew());
@@ -134,14 +137,18 @@ OperationDialog::OperationDialog(CFinoraDoc& doc, Settings& settings, Prompter& 
         {m_edit, "редакция на маркираното плащане ..."},
         {m_delete, "изтриване на маркираното плащане ..."},
         {m_deleteAll, "изтриване на всички плащания по тази операция..."},
-        {clear, "изчиства данните за добавяното/променяното в момента плащане по тази операция ..."},
+        {clear,
+         "изчиства данните за добавяното/променяното в момента плащане по тази операция ..."},
         {m_addChange, "добава/променя плащане по текущата операция ..."},
         {m_paid, "указва, дали е извършено това плащане по операцията ..."},
         {m_total, "крайната сума в лева на всички плащания по текущата операция ..."},
-        {m_rate, "можете да укажете курс, по който е придобита валутата (ако плащането не е в лева)"},
-        {m_value, "вместо да задавате курс, можете да укажете стойността на валутата в лева (ако плащането не е в лева)"},
+        {m_rate,
+         "можете да укажете курс, по който е придобита валутата (ако плащането не е в лева)"},
+        {m_value, "вместо да задавате курс, можете да укажете стойността на валутата в лева (ако "
+                  "плащането не е в лева)"},
         {chooseCategory, "изберете категория, с която ще асоциирате операцията ..."},
-        {m_list, "Списък на плащанията по тази операция. Кликнете 2 пъти определен запис, за да го промените..."},
+        {m_list, "Списък на плащанията по тази операция. Кликнете 2 пъти определен запис, за да го "
+                 "промените..."},
         {save, "съхранява операцията ..."},
         {cancel, "отказва операцията ..."},
         {m_saveAndNew, "съхранява операцията и добавя нова..."},
@@ -225,15 +232,17 @@ OperationDialog::OperationDialog(CFinoraDoc& doc, Settings& settings, Prompter& 
     keepWindowGeometry(this, "operation");
 
     // The tab key follows the layout, top to bottom and left to right.
-    QWidget* order[] = {m_date, m_income, m_expense, m_description, chooseCategory, m_notes, m_amount, m_currency,
-                        m_rate, m_value, m_paid, m_addChange, clear, m_list, m_edit, m_delete, m_deleteAll, save,
-                        m_saveAndNew, cancel};
+    QWidget* order[] = {m_date,   m_income,    m_expense,  m_description, chooseCategory,
+                        m_notes,  m_amount,    m_currency, m_rate,        m_value,
+                        m_paid,   m_addChange, clear,      m_list,        m_edit,
+                        m_delete, m_deleteAll, save,       m_saveAndNew,  cancel};
     for (std::size_t i = 1; i < std::size(order); ++i) {
         setTabOrder(order[i - 1], order[i]);
     }
 
     // --- what the user does, forwarded
-    connect(m_date, &QDateEdit::dateChanged, this, [this](const QDate& d) { m_editor.setDate(fromQDate(d)); });
+    connect(m_date, &QDateEdit::dateChanged, this,
+            [this](const QDate& d) { m_editor.setDate(fromQDate(d)); });
     connect(types, &QButtonGroup::idClicked, this, [this](int id) { m_editor.setTypeIndex(id); });
     connect(chooseCategory, &QPushButton::clicked, this, [this] {
         CategoryChooserDialog chooser(m_doc, m_editor.categoryId(), this);
@@ -344,7 +353,8 @@ EntryField OperationDialog::fieldOf(QObject* edit) const
 bool OperationDialog::eventFilter(QObject* watched, QEvent* event)
 {
     const EntryField field = fieldOf(watched);
-    if (field != EntryField::None && (event->type() == QEvent::FocusIn || event->type() == QEvent::FocusOut)) {
+    if (field != EntryField::None &&
+        (event->type() == QEvent::FocusIn || event->type() == QEvent::FocusOut)) {
         if (event->type() == QEvent::FocusIn) {
             m_editor.focusIn(field);
         } else {
@@ -397,7 +407,8 @@ void OperationDialog::showRows()
         auto* item = new QTreeWidgetItem;
         for (int c = 0; c < kPaymentColumnCount; ++c) {
             item->setText(c, qt(row.cells[static_cast<std::size_t>(c)]));
-            item->setTextAlignment(c, Qt::Alignment::fromInt(m_list->headerItem()->textAlignment(c)));
+            item->setTextAlignment(c,
+                                   Qt::Alignment::fromInt(m_list->headerItem()->textAlignment(c)));
         }
         items.append(item);
     }

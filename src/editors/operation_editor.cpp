@@ -47,7 +47,8 @@ OperationEditor::OperationEditor(CFinoraDoc& doc, Settings& settings, Prompter& 
     applyCurrencyRule();
     if (isNew()) {
         const int opType = m_settings.value(IntSetting::OpType);
-        m_typeIndex = opType == 0 || opType == 1 ? opType : m_settings.value(IntSetting::LastOpType);
+        m_typeIndex =
+            opType == 0 || opType == 1 ? opType : m_settings.value(IntSetting::LastOpType);
         if (opening.initialCategory >= 0) {
             m_categoryId = opening.initialCategory;
             m_categoryText = m_doc.categoryName(m_categoryId);
@@ -175,7 +176,8 @@ bool OperationEditor::checkField(EntryField field)
 {
     const std::string* text = textOf(field);
     double value = 0.0;
-    if (!text || text->find_first_not_of(" \t") == std::string::npos || readNumberField(*text, value)) {
+    if (!text || text->find_first_not_of(" \t") == std::string::npos ||
+        readNumberField(*text, value)) {
         return true;
     }
     m_prompter.error(notANumberText(field), kNotANumberCaption);
@@ -275,7 +277,8 @@ void OperationEditor::applyCurrencyRule()
     // Whether the value field is enabled is the list-closed rule's alone.
     m_readOnlyRate = false;
     if (m_entryRecordId < 1) {
-        if (const auto s = suggestRate(m_doc, m_settings, m_prompter, number(EntryField::Amount), m_currency)) {
+        if (const auto s = suggestRate(m_doc, m_settings, m_prompter, number(EntryField::Amount),
+                                       m_currency)) {
             setNumber(EntryField::Rate, s->rate);
             setNumber(EntryField::Value, s->value);
         }
@@ -305,7 +308,8 @@ std::string OperationEditor::totalText() const
 
 bool OperationEditor::canEditRow() const
 {
-    return std::any_of(m_rows.begin(), m_rows.end(), [](const PaymentRow& r) { return r.selected; });
+    return std::any_of(m_rows.begin(), m_rows.end(),
+                       [](const PaymentRow& r) { return r.selected; });
 }
 
 PaymentRow* OperationEditor::rowWithKey(std::int32_t key)
@@ -375,7 +379,8 @@ bool OperationEditor::addOrChange()
 
 void OperationEditor::loadSelected()
 {
-    const auto it = std::find_if(m_rows.begin(), m_rows.end(), [](const PaymentRow& r) { return r.selected; });
+    const auto it =
+        std::find_if(m_rows.begin(), m_rows.end(), [](const PaymentRow& r) { return r.selected; });
     if (it == m_rows.end()) {
         return;
     }
@@ -417,8 +422,8 @@ void OperationEditor::retireRow(const PaymentRow& row)
 
 bool OperationEditor::deleteSelected()
 {
-    if (!canEditRow() ||
-        m_prompter.askYesNo(kDeleteSelectedText, kDeleteCaption, MessageIcon::Question) != Answer::Yes) {
+    if (!canEditRow() || m_prompter.askYesNo(kDeleteSelectedText, kDeleteCaption,
+                                             MessageIcon::Question) != Answer::Yes) {
         return false;
     }
     for (const PaymentRow& row : m_rows) {
@@ -473,8 +478,8 @@ bool OperationEditor::save()
         m_prompter.error(kNoPaymentText, kMissingCaption);
         return false;
     }
-    if (m_entryRowKey > 0 &&
-        m_prompter.askYesNo(kPendingChangeText, kPendingChangeCaption, MessageIcon::Warning) != Answer::Yes) {
+    if (m_entryRowKey > 0 && m_prompter.askYesNo(kPendingChangeText, kPendingChangeCaption,
+                                                 MessageIcon::Warning) != Answer::Yes) {
         return false;
     }
     // One operation is one change: with auto-save on, the file is written once, and one undo
@@ -499,10 +504,10 @@ bool OperationEditor::save()
         case RowState::StoredChanged:
         case RowState::StoredUnchanged: {
             const Operation fields = recordFrom(rowWithKey(t.key), type);
-            m_doc.changeOperation(Operation(t.recordId, fields.date(), fields.description(), fields.type(),
-                                            fields.categoryId(), fields.amount(), fields.currencyId(),
-                                            fields.amountBgl(), fields.notes(), DateTime(), fields.paid(),
-                                            fields.masterId()));
+            m_doc.changeOperation(Operation(t.recordId, fields.date(), fields.description(),
+                                            fields.type(), fields.categoryId(), fields.amount(),
+                                            fields.currencyId(), fields.amountBgl(), fields.notes(),
+                                            DateTime(), fields.paid(), fields.masterId()));
             break;
         }
         default:

@@ -57,8 +57,8 @@ enum class EntryField { None, Amount, Value, Rate };
 class OperationEditor {
 public:
     struct Opening {
-        std::int32_t editedId = 0;        // 0 or less: a new operation
-        std::int32_t masterId = 0;        // of the edited record
+        std::int32_t editedId = 0;         // 0 or less: a new operation
+        std::int32_t masterId = 0;         // of the edited record
         std::int32_t initialCategory = -1; // preselected for a new operation; -1: none
     };
 
@@ -149,7 +149,8 @@ public:
     static constexpr const char* kPendingChangeCaption = "Потвърдете";
     static constexpr const char* kDeleteSelectedText =
         "Сигурни ли сте, че желаете да изтриете маркираните записи?";
-    static constexpr const char* kDeleteAllText = "Сигурни ли сте, че желаете да изтриете всички записи?";
+    static constexpr const char* kDeleteAllText =
+        "Сигурни ли сте, че желаете да изтриете всички записи?";
     static constexpr const char* kDeleteCaption = "Потвърдете!";
     static constexpr const char* kNotANumberCaption = "Невалидна стойност";
 

@@ -44,7 +44,8 @@ void SearchEditor::chooseMode(int mode)
 void SearchEditor::setExactPhrase(bool on)
 {
     if (m_request.mode == SearchRequest::Or) {
-        m_prompter.error("Съчетанието на тази опция с операция OR е несъвместимо!", "Невалиден избор");
+        m_prompter.error("Съчетанието на тази опция с операция OR е несъвместимо!",
+                         "Невалиден избор");
         return;
     }
     m_request.exactPhrase = on;

@@ -64,7 +64,8 @@ std::string temporaryUnlockMenuText(const CFinoraDoc& doc)
 
 std::string permanentProtectionMenuText(const CFinoraDoc& doc)
 {
-    return doc.lockText().empty() ? "Задаване на постоянна защита" : "Премахване на постоянната защита";
+    return doc.lockText().empty() ? "Задаване на постоянна защита"
+                                  : "Премахване на постоянната защита";
 }
 
 void tellProtected(Prompter& prompter)

@@ -33,7 +33,10 @@ class NoDocumentHost final : public DocumentHost {
 public:
     std::optional<std::string> chooseSavePath() override { return std::nullopt; }
     std::optional<std::string> chooseOpenPath(const std::string&) override { return std::nullopt; }
-    std::optional<std::string> chooseExportPath(const ExportRequest&) override { return std::nullopt; }
+    std::optional<std::string> chooseExportPath(const ExportRequest&) override
+    {
+        return std::nullopt;
+    }
     void exitProgram(int) override {}
 };
 

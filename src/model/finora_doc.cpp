@@ -55,7 +55,8 @@ std::int32_t CFinoraDoc::currencyId(std::string_view name) const
     if (name == kMainCurrency) {
         return 0;
     }
-    const Currency* c = m_ledger.currencies.findIf([&](const Currency& x) { return x.name() == name; });
+    const Currency* c =
+        m_ledger.currencies.findIf([&](const Currency& x) { return x.name() == name; });
     return c ? c->id() : -1;
 }
 
@@ -206,9 +207,8 @@ bool CFinoraDoc::addCurrency(std::string name)
 bool CFinoraDoc::renameCurrency(std::int32_t id, std::string name)
 {
     Currency* currency = m_ledger.currencies.findMutable(id);
-    if (!currency || m_ledger.currencies.findIf([&](const Currency& c) {
-            return c.id() != id && c.name() == name;
-        })) {
+    if (!currency || m_ledger.currencies.findIf(
+                         [&](const Currency& c) { return c.id() != id && c.name() == name; })) {
         return false;
     }
     ChangeBatch step(*this);
@@ -239,9 +239,9 @@ bool CFinoraDoc::addOperation(const Operation& f)
     ChangeBatch step(*this);
     nameStep([] { return std::string("нова операция"); });
     const std::int32_t id = nextId(m_ledger.counters.nextOperationId);
-    const auto key = m_ledger.operations.append(Operation(
-        id, f.date(), f.description(), f.type(), f.categoryId(), f.amount(), f.currencyId(),
-        f.amountBgl(), f.notes(), m_clock.now(), f.paid(), f.masterId()));
+    const auto key = m_ledger.operations.append(
+        Operation(id, f.date(), f.description(), f.type(), f.categoryId(), f.amount(),
+                  f.currencyId(), f.amountBgl(), f.notes(), m_clock.now(), f.paid(), f.masterId()));
     if (recording()) {
         m_step.operations.added(id, key);
     }

@@ -136,8 +136,7 @@ private:
     // True while a step is open and the history keeps steps.
     bool recording() const { return m_batchDepth > 0 && m_history.limit() > 0; }
     // Names the open step after its first change unless the command named it.
-    template <class MakeLabel>
-    void nameStep(MakeLabel makeLabel)
+    template <class MakeLabel> void nameStep(MakeLabel makeLabel)
     {
         if (recording() && m_step.label.empty()) {
             m_step.label = makeLabel();

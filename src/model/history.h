@@ -21,8 +21,7 @@ std::string recordsText(std::size_t count);
 // holds only the records that are out of the list at the moment (the removed ones while the step
 // is done, the added ones while it is undone, the other version of each changed one), each with
 // the key of its place, never a copy of the list.
-template <class T>
-class ListChanges {
+template <class T> class ListChanges {
     using List = RecordList<T>;
     using Key = typename List::Key;
 

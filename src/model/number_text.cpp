@@ -49,8 +49,7 @@ std::string amountWithCurrencyText(double value, std::string_view currency)
 double parseNumber(std::string_view text)
 {
     std::size_t pos = 0;
-    while (pos < text.size() &&
-           (text[pos] == ' ' || (text[pos] >= '\t' && text[pos] <= '\r'))) {
+    while (pos < text.size() && (text[pos] == ' ' || (text[pos] >= '\t' && text[pos] <= '\r'))) {
         ++pos;
     }
     bool negative = false;
@@ -73,7 +72,8 @@ double parseNumber(std::string_view text)
         // Decide by the exponent's sign: a large magnitude overflows, a tiny one underflows.
         std::string_view digits(first, static_cast<std::size_t>(result.ptr - first));
         const auto e = digits.find_first_of("eE");
-        const bool tiny = e != std::string_view::npos && e + 1 < digits.size() && digits[e + 1] == '-';
+        const bool tiny =
+            e != std::string_view::npos && e + 1 < digits.size() && digits[e + 1] == '-';
         value = tiny ? 0.0 : HUGE_VAL;
     }
     return negative ? -value : value;
@@ -83,7 +83,9 @@ bool readNumberField(std::string_view text, double& value)
 {
     const auto first = text.find_first_not_of(" \t");
     const auto last = text.find_last_not_of(" \t");
-    std::string s = first == std::string_view::npos ? std::string() : std::string(text.substr(first, last - first + 1));
+    std::string s = first == std::string_view::npos
+                        ? std::string()
+                        : std::string(text.substr(first, last - first + 1));
     for (char& c : s) {
         if (c == ',') {
             c = '.';
@@ -94,7 +96,8 @@ bool readNumberField(std::string_view text, double& value)
     }
     double read = 0.0;
     const auto result = std::from_chars(s.data(), s.data() + s.size(), read);
-    if (s.empty() || result.ec != std::errc() || result.ptr != s.data() + s.size() || !std::isfinite(read)) {
+    if (s.empty() || result.ec != std::errc() || result.ptr != s.data() + s.size() ||
+        !std::isfinite(read)) {
         return false;
     }
     value = read;

@@ -9,9 +9,9 @@ namespace finora {
 // The fixed text forms of numbers. They never depend on the process locale: a Bulgarian
 // desktop must still show "12.50", not "12,50", because that is what the ledger's texts are.
 std::string fixedText(double value, int decimals);
-std::string amountText(double value);                                   // "%.2f"
-std::string rateText(double value);                                     // "%.6f"
-std::string idText(std::int32_t value);                                 // "%d"
+std::string amountText(double value);   // "%.2f"
+std::string rateText(double value);     // "%.6f"
+std::string idText(std::int32_t value); // "%d"
 // The shortest text that reads back as the same number: "0", "12.5", "1e+300".
 std::string shortestText(double value);
 std::string amountWithCurrencyText(double value, std::string_view currency); // "%.2f %s"

@@ -24,8 +24,7 @@ namespace finora {
 // Every record also carries a key that grows in list order and survives compaction: the place of
 // a record that was taken out, so undoing a change can put it back where it was, among whatever
 // records are there by then.
-template <class T>
-class RecordList {
+template <class T> class RecordList {
     static constexpr std::int32_t kNoNext = -1;
     static constexpr std::int32_t kRemoved = -2;
 
@@ -80,8 +79,7 @@ public:
         friend class RecordList;
         const_iterator(const RecordList* list, std::size_t pos)
             : m_records(&list->m_records), m_links(&list->m_links), m_pos(pos)
-        {
-        }
+        {}
         const std::vector<T>* m_records = nullptr;
         const std::vector<std::int32_t>* m_links = nullptr;
         std::size_t m_pos = 0;
@@ -109,13 +107,9 @@ public:
         return e ? &m_records[static_cast<std::size_t>(e->first)] : nullptr;
     }
     // The caller may change anything but the id.
-    T* findMutable(std::int32_t id)
-    {
-        return const_cast<T*>(std::as_const(*this).find(id));
-    }
+    T* findMutable(std::int32_t id) { return const_cast<T*>(std::as_const(*this).find(id)); }
 
-    template <class Predicate>
-    const T* findIf(Predicate predicate) const
+    template <class Predicate> const T* findIf(Predicate predicate) const
     {
         for (const T& value : *this) {
             if (predicate(value)) {
@@ -201,7 +195,8 @@ public:
         std::size_t from = 0;
         for (const std::size_t i : order) {
             from = lowerBound(keys[i], from);
-            const bool hole = from < m_keys.size() && m_keys[from] == keys[i] && m_links[from] == kRemoved;
+            const bool hole =
+                from < m_keys.size() && m_keys[from] == keys[i] && m_links[from] == kRemoved;
             if (from < m_keys.size() && !hole) {
                 mergeIn(keys, values, order);
                 return;
@@ -363,14 +358,16 @@ private:
         if (std::is_sorted(keys.rbegin(), keys.rend())) {
             std::reverse(order.begin(), order.end());
         } else if (!std::is_sorted(keys.begin(), keys.end())) {
-            std::sort(order.begin(), order.end(), [&](std::size_t a, std::size_t b) { return keys[a] < keys[b]; });
+            std::sort(order.begin(), order.end(),
+                      [&](std::size_t a, std::size_t b) { return keys[a] < keys[b]; });
         }
         return order;
     }
 
     // The live records and the records given, in the order of their keys, become a list without
     // holes.
-    void mergeIn(const std::vector<Key>& keys, std::vector<T>& values, const std::vector<std::size_t>& order)
+    void mergeIn(const std::vector<Key>& keys, std::vector<T>& values,
+                 const std::vector<std::size_t>& order)
     {
         std::vector<T> merged;
         std::vector<Key> mergedKeys;
@@ -448,7 +445,7 @@ private:
     }
 
     std::vector<T> m_records;
-    std::vector<Key> m_keys; // per record, ascending
+    std::vector<Key> m_keys;           // per record, ascending
     std::vector<std::int32_t> m_links; // per record: next record with its id, kNoNext, or kRemoved
     IdIndex m_index;
     std::size_t m_size = 0;

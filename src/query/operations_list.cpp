@@ -51,7 +51,8 @@ const std::array<ListColumnSpec, kListColumnCount>& listColumns()
         {"валута", ColumnAlignment::Centre, 50, static_cast<int>(Column::Currency)},
         {"сума в BGL", ColumnAlignment::Right, 80, static_cast<int>(Column::SumBGL)},
         {"забележки", ColumnAlignment::Left, 250, static_cast<int>(Column::Notes)},
-        {"последна модификация", ColumnAlignment::Left, 150, static_cast<int>(Column::LastModified)},
+        {"последна модификация", ColumnAlignment::Left, 150,
+         static_cast<int>(Column::LastModified)},
         {"изплатено", ColumnAlignment::Centre, 80, static_cast<int>(Column::Payed)},
     }};
     return columns;
@@ -140,7 +141,9 @@ std::string OperationsList::cellText(const Row& r, int column) const
     case kColDescription:
         return op.description();
     case kColType:
-        return op.type() == kIncome ? kIncomeMark : op.type() == kExpense ? kExpenseMark : std::string();
+        return op.type() == kIncome    ? kIncomeMark
+               : op.type() == kExpense ? kExpenseMark
+                                       : std::string();
     case kColCategory: {
         const std::int32_t parent = m_doc.categoryParent(op.categoryId());
         if (parent == 0) {
@@ -258,7 +261,10 @@ void OperationsList::search(const SearchRequest& original)
         }
     }
     m_rows = std::move(kept);
-    m_current = m_rows.empty() ? -1 : std::min<std::ptrdiff_t>(m_current, static_cast<std::ptrdiff_t>(m_rows.size()) - 1);
+    m_current =
+        m_rows.empty()
+            ? -1
+            : std::min<std::ptrdiff_t>(m_current, static_cast<std::ptrdiff_t>(m_rows.size()) - 1);
     totalsFromRows();
     m_prompter.inform(kSearchDoneText);
 }
@@ -292,7 +298,10 @@ void OperationsList::filterByAmount(double amount, double tolerance, bool alsoBg
         }
         return true;
     });
-    m_current = m_rows.empty() ? -1 : std::min<std::ptrdiff_t>(m_current, static_cast<std::ptrdiff_t>(m_rows.size()) - 1);
+    m_current =
+        m_rows.empty()
+            ? -1
+            : std::min<std::ptrdiff_t>(m_current, static_cast<std::ptrdiff_t>(m_rows.size()) - 1);
 }
 
 bool OperationsList::confirmDeletion()
@@ -363,7 +372,8 @@ bool OperationsList::setSelectedPaid()
         }
     }
     {
-        CFinoraDoc::ChangeBatch batch(m_doc, "отбелязване на " + recordsText(toMark.size()) + " като изплатени");
+        CFinoraDoc::ChangeBatch batch(m_doc, "отбелязване на " + recordsText(toMark.size()) +
+                                                 " като изплатени");
         for (const auto& [row, id] : toMark) {
             m_doc.markPaid(id);
             m_rows[row].paidShown = true;

@@ -35,8 +35,8 @@ enum class ColumnAlignment { Left, Centre, Right };
 struct ListColumnSpec {
     const char* header; // UTF-8
     ColumnAlignment alignment;
-    int width;          // when shown
-    int visibilityKey;  // index into Column, or -1 for the hidden id columns
+    int width;         // when shown
+    int visibilityKey; // index into Column, or -1 for the hidden id columns
 };
 
 const std::array<ListColumnSpec, kListColumnCount>& listColumns();

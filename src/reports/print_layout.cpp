@@ -12,16 +12,24 @@ namespace {
 constexpr int kMargin = 50;
 
 // The list's columns the report prints, in its own order.
-enum ListCol { kDateCol = 2, kDescrCol = 3, kTypeCol = 4, kCategoryCol = 5, kSumCol = 6, kCurrencyCol = 7,
-               kSumBglCol = 8, kNotesCol = 9 };
+enum ListCol {
+    kDateCol = 2,
+    kDescrCol = 3,
+    kTypeCol = 4,
+    kCategoryCol = 5,
+    kSumCol = 6,
+    kCurrencyCol = 7,
+    kSumBglCol = 8,
+    kNotesCol = 9
+};
 
 struct PrintColumn {
     const char* header;
-    IntSetting width;   // the notes column has none: it takes the rest of the line
+    IntSetting width; // the notes column has none: it takes the rest of the line
     int listColumn;
     ReportAlign align;
-    bool padded;        // a blank before the text
-    bool signedAmount;  // a minus before expense amounts
+    bool padded;       // a blank before the text
+    bool signedAmount; // a minus before expense amounts
 };
 
 constexpr std::array<PrintColumn, 8> kColumns = {{
@@ -65,7 +73,8 @@ public:
     // An outlined cell, filled grey inside a 2-unit border when asked.
     void cell(ReportRect rect, bool filled)
     {
-        m_items.push_back({ReportItem::Kind::Outline, rect, {}, ReportFont::Table, ReportAlign::Left});
+        m_items.push_back(
+            {ReportItem::Kind::Outline, rect, {}, ReportFont::Table, ReportAlign::Left});
         if (filled) {
             m_items.push_back({ReportItem::Kind::Fill,
                                {rect.left + 2, rect.top - 2, rect.right - 2, rect.bottom + 2},
@@ -95,7 +104,8 @@ ReportFontSpec reportFont(ReportFont font)
     }
 }
 
-ReportPlan planReport(std::size_t listRows, std::size_t selectedRows, bool selectionOnly, bool landscape)
+ReportPlan planReport(std::size_t listRows, std::size_t selectedRows, bool selectionOnly,
+                      bool landscape)
 {
     ReportPlan plan;
     plan.rowsPerPage = landscape ? 35 : 50;
@@ -144,15 +154,15 @@ std::vector<ReportItem> layoutReportPage(const OperationsList& list, const Repor
     // Title and currency criterion.
     y -= 50;
     b.text({kMargin, y, w - kMargin, y - lineBottom},
-           "СПРАВКА ЗА " + titleKind(context.typeText) + " ОТ " + context.from.paddedDateText() + " ДО " +
-               context.to.paddedDateText(),
+           "СПРАВКА ЗА " + titleKind(context.typeText) + " ОТ " + context.from.paddedDateText() +
+               " ДО " + context.to.paddedDateText(),
            ReportFont::Title, ReportAlign::Centre);
     y -= h + 10;
     std::string currency = context.currencyText;
     eraseAll(currency, ":: ");
     eraseAll(currency, " ::");
-    b.text({kMargin, y, w - kMargin, y - lineBottom}, "ВАЛУТЕН КРИТЕРИЙ: " + currency, ReportFont::Currency,
-           ReportAlign::Centre);
+    b.text({kMargin, y, w - kMargin, y - lineBottom}, "ВАЛУТЕН КРИТЕРИЙ: " + currency,
+           ReportFont::Currency, ReportAlign::Centre);
     y -= h + 100;
 
     // The columns' places, read again for every page so a change shows from the next one.
@@ -194,12 +204,16 @@ std::vector<ReportItem> layoutReportPage(const OperationsList& list, const Repor
     }
 
     if (page == plan.maxPage) {
-        const int left = kMargin + settings.value(IntSetting::DateWidth) + settings.value(IntSetting::CatWidth) +
-                         settings.value(IntSetting::DescrWidth) + settings.value(IntSetting::TypeWidth);
+        const int left =
+            kMargin + settings.value(IntSetting::DateWidth) + settings.value(IntSetting::CatWidth) +
+            settings.value(IntSetting::DescrWidth) + settings.value(IntSetting::TypeWidth);
         const int labelRight = left + settings.value(IntSetting::SumWidth);
-        const int valueRight = labelRight + settings.value(IntSetting::CurrWidth) + settings.value(IntSetting::SumBGLWidth);
+        const int valueRight = labelRight + settings.value(IntSetting::CurrWidth) +
+                               settings.value(IntSetting::SumBGLWidth);
         const std::pair<const char*, const std::string*> totals[] = {
-            {" ПРИХОД:", &context.incomeText}, {" РАЗХОД:", &context.expenseText}, {" БАЛАНС:", &context.balanceText}};
+            {" ПРИХОД:", &context.incomeText},
+            {" РАЗХОД:", &context.expenseText},
+            {" БАЛАНС:", &context.balanceText}};
         for (const auto& [label, value] : totals) {
             const ReportRect labelCell{left, y, labelRight, y - h};
             const ReportRect valueCell{labelRight, y, valueRight, y - h};
@@ -215,12 +229,14 @@ std::vector<ReportItem> layoutReportPage(const OperationsList& list, const Repor
     DateTimeParts now;
     context.printedAt.toParts(now);
     b.text({kMargin, bottom + 2 * h, w - kMargin, bottom},
-           "отпечатано на: " + context.printedAt.paddedDateText() + " " + std::to_string(now.hour) + ":" +
-               std::to_string(now.minute) + " / файл: " + context.filePath,
+           "отпечатано на: " + context.printedAt.paddedDateText() + " " + std::to_string(now.hour) +
+               ":" + std::to_string(now.minute) + " / файл: " + context.filePath,
            ReportFont::Footer, ReportAlign::Centre);
-    b.text({kMargin, bottom + h, w - kMargin, bottom}, kReportCredit, ReportFont::Footer, ReportAlign::Centre);
+    b.text({kMargin, bottom + h, w - kMargin, bottom}, kReportCredit, ReportFont::Footer,
+           ReportAlign::Centre);
     b.text({kMargin, bottom + h, w - kMargin, bottom},
-           std::to_string(page) + "/" + std::to_string(plan.maxPage), ReportFont::Footer, ReportAlign::Left);
+           std::to_string(page) + "/" + std::to_string(plan.maxPage), ReportFont::Footer,
+           ReportAlign::Left);
     return items;
 }
 

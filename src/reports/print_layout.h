@@ -57,12 +57,13 @@ struct ReportPlan {
     int maxPage = 0;
 };
 // With `selectionOnly` only as many leading rows as are selected are printed, on whole pages.
-ReportPlan planReport(std::size_t listRows, std::size_t selectedRows, bool selectionOnly, bool landscape);
+ReportPlan planReport(std::size_t listRows, std::size_t selectedRows, bool selectionOnly,
+                      bool landscape);
 
 // What the report shows besides the list rows: the panel's choices and the view's totals, as
 // displayed (UTF-8).
 struct ReportContext {
-    std::string typeText;     // "приходи и разходи", "приходи" or "разходи"
+    std::string typeText; // "приходи и разходи", "приходи" or "разходи"
     DateTime from;
     DateTime to;
     std::string currencyText; // the currency selector's text
@@ -81,6 +82,7 @@ std::vector<ReportItem> layoutReportPage(const OperationsList& list, const Repor
                                          const Settings& settings, const ReportPlan& plan,
                                          const ReportDevice& device, int page);
 
-inline constexpr const char* kReportCredit = "Finora - приходи и разходи на домакинството и фирмата";
+inline constexpr const char* kReportCredit =
+    "Finora - приходи и разходи на домакинството и фирмата";
 
 } // namespace finora

@@ -33,19 +33,22 @@ std::string DocumentStorage::heldByOtherText(const std::string& path, const Lock
 
 std::string DocumentStorage::readOnlyDocumentText(const std::string& path)
 {
-    return "Документът „" + path + "“ е отворен само за четене и не може да бъде записан върху "
+    return "Документът „" + path +
+           "“ е отворен само за четене и не може да бъде записан върху "
            "себе си.\n\nЖелаете ли да го запишете под друго име?";
 }
 
 std::string DocumentStorage::readOnlyFileText(const std::string& path)
 {
-    return "Файлът „" + path + "“ е защитен от запис и не може да бъде презаписан.\n\n"
+    return "Файлът „" + path +
+           "“ е защитен от запис и не може да бъде презаписан.\n\n"
            "Желаете ли да запишете документа под друго име?";
 }
 
 std::string DocumentStorage::changedOnDiskText(const std::string& path)
 {
-    return "Файлът „" + path + "“ е променен от друга програма, след като Finora го прочете "
+    return "Файлът „" + path +
+           "“ е променен от друга програма, след като Finora го прочете "
            "или записа за последно.\n\n"
            "Да – записване върху него (промените на другата програма ще бъдат загубени)\n"
            "Не – записване под друго име\n"
@@ -98,8 +101,7 @@ bool isRegularFile(const std::string& path, FileError& error)
 DocumentStorage::DocumentStorage(CFinoraDoc& doc, Settings& settings, Prompter& prompter,
                                  DocumentHost& host, BackupWriter& backups)
     : m_doc(doc), m_settings(settings), m_prompter(prompter), m_host(host), m_backups(backups)
-{
-}
+{}
 
 void DocumentStorage::attach()
 {
@@ -137,7 +139,8 @@ DocumentStorage::OpenResult DocumentStorage::open(const std::string& path)
         if (m_lock.isHeld() && !m_doc.path().empty() && sameFile(path, m_doc.path())) {
             m_lock.release();
         }
-        if (lock.acquire(path, m_lockProgram, m_doc.clock().now()) == LedgerLock::Result::HeldByOther) {
+        if (lock.acquire(path, m_lockProgram, m_doc.clock().now()) ==
+            LedgerLock::Result::HeldByOther) {
             if (m_prompter.askYesNo(heldByOtherText(path, lock.holder()), kLockedCaption,
                                     MessageIcon::Warning) != Answer::Yes) {
                 return OpenResult::Cancelled;
@@ -266,7 +269,8 @@ bool DocumentStorage::save(const std::string& path)
         }
     }
     if (!ownFile && !m_lockProgram.empty() &&
-        newLock.acquire(path, m_lockProgram, m_doc.clock().now()) == LedgerLock::Result::HeldByOther) {
+        newLock.acquire(path, m_lockProgram, m_doc.clock().now()) ==
+            LedgerLock::Result::HeldByOther) {
         m_prompter.error(targetHeldText(path, newLock.holder()), kNotSavedCaption);
         return fail(SaveFailure::HeldByOther);
     }

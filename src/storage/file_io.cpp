@@ -68,7 +68,8 @@ bool writeAll(std::FILE* file, std::string_view bytes)
 #ifndef _WIN32
 void syncFolder(const fs::path& folder)
 {
-    const int fd = ::open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    const int fd =
+        ::open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (fd >= 0) {
         ::fsync(fd);
         ::close(fd);
@@ -97,7 +98,8 @@ DiskState stateOf(const struct stat& st)
     s.device = static_cast<std::uint64_t>(st.st_dev);
     s.inode = static_cast<std::uint64_t>(st.st_ino);
     s.size = static_cast<std::uint64_t>(st.st_size);
-    s.modifiedNs = static_cast<std::int64_t>(st.st_mtim.tv_sec) * 1'000'000'000 + st.st_mtim.tv_nsec;
+    s.modifiedNs =
+        static_cast<std::int64_t>(st.st_mtim.tv_sec) * 1'000'000'000 + st.st_mtim.tv_nsec;
     return s;
 }
 
@@ -107,8 +109,8 @@ int createTemporary(const fs::path& temp, const struct stat* reference)
 {
     for (int attempt = 0; attempt < 2; ++attempt) {
         ::unlink(temp.c_str()); // left by a save that a crash cut short
-        const int fd = ::open(temp.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC,
-                              reference ? 0600 : 0666);
+        const int fd =
+            ::open(temp.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, reference ? 0600 : 0666);
         if (fd < 0 && errno == EEXIST) {
             continue;
         }
@@ -235,7 +237,8 @@ fs::path siblingPath(const fs::path& file, std::string_view prefix, std::string_
         }
         std::size_t keep = kMaxFileNameBytes - prefix.size() - suffix.size() - tag.size();
         // Never cut a letter in two.
-        while (keep > 0 && keep < name.size() && (static_cast<unsigned char>(name[keep]) & 0xC0) == 0x80) {
+        while (keep > 0 && keep < name.size() &&
+               (static_cast<unsigned char>(name[keep]) & 0xC0) == 0x80) {
             --keep;
         }
         wanted = std::string(prefix) + name.substr(0, keep) + tag + std::string(suffix);
@@ -258,7 +261,8 @@ bool writeFileAtomically(std::string_view utf8Path, std::string_view bytes, File
     if (!file) {
         return false;
     }
-    const bool written = writeAll(file, bytes) && std::fflush(file) == 0 && _commit(_fileno(file)) == 0;
+    const bool written =
+        writeAll(file, bytes) && std::fflush(file) == 0 && _commit(_fileno(file)) == 0;
     const bool closed = std::fclose(file) == 0;
     std::error_code ec;
     if (!written || !closed) {
@@ -276,7 +280,8 @@ bool writeFileAtomically(std::string_view utf8Path, std::string_view bytes, File
 #else
     struct stat reference {};
     const fs::path& referencePath = options.permissionsFrom ? *options.permissionsFrom : target;
-    const bool haveReference = ::stat(referencePath.c_str(), &reference) == 0 && S_ISREG(reference.st_mode);
+    const bool haveReference =
+        ::stat(referencePath.c_str(), &reference) == 0 && S_ISREG(reference.st_mode);
     const int fd = createTemporary(temp, haveReference ? &reference : nullptr);
     if (fd < 0) {
         return setError(error, fromErrno(errno));
@@ -339,7 +344,8 @@ bool isReadOnlyFile(std::string_view utf8Path)
     if ((st.st_mode & (S_IWUSR | S_IWGRP | S_IWOTH)) == 0) {
         return true;
     }
-    return ::access(path.c_str(), W_OK) != 0 && (errno == EACCES || errno == EROFS || errno == EPERM);
+    return ::access(path.c_str(), W_OK) != 0 &&
+           (errno == EACCES || errno == EROFS || errno == EPERM);
 #endif
 }
 
@@ -396,8 +402,8 @@ void ContentHash::update(const char* data, std::size_t size)
 
 std::uint64_t ContentHash::value() const
 {
-    std::uint64_t h = std::rotl(m_state[0], 1) + std::rotl(m_state[1], 7) + std::rotl(m_state[2], 12) +
-                      std::rotl(m_state[3], 18);
+    std::uint64_t h = std::rotl(m_state[0], 1) + std::rotl(m_state[1], 7) +
+                      std::rotl(m_state[2], 12) + std::rotl(m_state[3], 18);
     h ^= m_length * kPrime3;
     for (std::size_t i = 0; i < m_tailSize; ++i) {
         h = std::rotl(h ^ (m_tail[i] * kPrime3), 11) * kPrime1;

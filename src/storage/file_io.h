@@ -74,8 +74,8 @@ public:
 private:
     void mixWord(std::uint64_t word);
 
-    std::uint64_t m_state[4] = {0x243F6A8885A308D3ULL, 0x13198A2E03707344ULL,
-                                0xA4093822299F31D0ULL, 0x082EFA98EC4E6C89ULL};
+    std::uint64_t m_state[4] = {0x243F6A8885A308D3ULL, 0x13198A2E03707344ULL, 0xA4093822299F31D0ULL,
+                                0x082EFA98EC4E6C89ULL};
     std::uint64_t m_length = 0;
     unsigned char m_tail[32] = {};
     std::size_t m_tailSize = 0;

@@ -25,7 +25,8 @@ struct EntryKey {
 
     static EntryKey of(const Operation& op, std::int32_t currencyId)
     {
-        return {op.date(), op.description(), op.notes(), op.type(), currencyId, op.amount(), op.amountBgl()};
+        return {op.date(),  op.description(), op.notes(),    op.type(),
+                currencyId, op.amount(),      op.amountBgl()};
     }
 };
 
@@ -53,9 +54,8 @@ std::uint64_t doubleBits(double d)
 std::uint64_t entryHash(const EntryKey& k)
 {
     DateTimeParts p;
-    std::uint64_t h = k.date.toParts(p)
-                          ? static_cast<std::uint64_t>(p.year * 10000 + p.month * 100 + p.day)
-                          : 0;
+    std::uint64_t h =
+        k.date.toParts(p) ? static_cast<std::uint64_t>(p.year * 10000 + p.month * 100 + p.day) : 0;
     h = mix(h, static_cast<std::uint64_t>(k.type));
     h = mix(h, static_cast<std::uint64_t>(k.currencyId));
     h = mix(h, doubleBits(k.amount));
@@ -73,9 +73,9 @@ std::uint64_t entryHash(const EntryKey& k)
 class EntrySet {
 public:
     explicit EntrySet(std::size_t expected)
-        : m_slots(std::bit_ceil(std::max<std::size_t>(expected * 2, 16))), m_mask(m_slots.size() - 1)
-    {
-    }
+        : m_slots(std::bit_ceil(std::max<std::size_t>(expected * 2, 16))),
+          m_mask(m_slots.size() - 1)
+    {}
 
     bool contains(const EntryKey& key, std::uint64_t hash) const { return find(key, hash).second; }
     // Adds the entry unless an equal one is there; the caller keeps `op` where it is for as
@@ -148,7 +148,8 @@ struct PlaceHash {
 
 // The open ledger's categories by place, each place naming its first category in list order:
 // one pass, so matching a tree of any size against another stays linear.
-std::unordered_map<CategoryPlace, std::int32_t, PlaceHash> placesOf(const RecordList<Category>& list)
+std::unordered_map<CategoryPlace, std::int32_t, PlaceHash>
+placesOf(const RecordList<Category>& list)
 {
     std::unordered_map<CategoryPlace, std::int32_t, PlaceHash> places;
     places.reserve(list.size());
@@ -178,10 +179,11 @@ ImportResult importLedger(CFinoraDoc& doc, std::string_view bytes, Prompter& pro
     if (read.status != ReadStatus::Ok) {
         result.status = read.status == ReadStatus::Newer ? ImportResult::Status::Newer
                                                          : ImportResult::Status::Unreadable;
-        result.message = read.status == ReadStatus::Newer
-                             ? "Файлът е създаден от по-нова версия на Finora и не може да бъде "
-                               "импортиран."
-                             : "Файлът не е документ на Finora или е повреден; нищо не е импортирано.";
+        result.message =
+            read.status == ReadStatus::Newer
+                ? "Файлът е създаден от по-нова версия на Finora и не може да бъде "
+                  "импортиран."
+                : "Файлът не е документ на Finora или е повреден; нищо не е импортирано.";
         prompter.error(result.message);
         return result;
     }
@@ -219,8 +221,8 @@ ImportResult importLedger(CFinoraDoc& doc, std::string_view bytes, Prompter& pro
             const std::string name = importCategoryName(doc.clock().now());
             doc.addCategory(name, 0); // refused for a second import within the same second,
                                       // which then shares the first one's category
-            const Category* made =
-                ours.findIf([&](const Category& c) { return c.parentId() == 0 && c.name() == name; });
+            const Category* made = ours.findIf(
+                [&](const Category& c) { return c.parentId() == 0 && c.name() == name; });
             importCategory = made ? made->id() : 0;
             result.importCategory = name;
             prompter.warn(kImportMismatchText, kImportMismatchCaption);
@@ -255,10 +257,12 @@ ImportResult importLedger(CFinoraDoc& doc, std::string_view bytes, Prompter& pro
         std::int32_t currency = 0;
         if (const auto pending = missing.find(op.currencyId()); pending != missing.end()) {
             // Added now, so no entry of the ledger has it: the test below cannot match.
-            currency = doc.addCurrency(pending->second->name()) ? doc.ledger().counters.nextCurrencyId : 0;
+            currency =
+                doc.addCurrency(pending->second->name()) ? doc.ledger().counters.nextCurrencyId : 0;
             currencyMap.emplace(op.currencyId(), currency);
             missing.erase(pending);
-        } else if (const auto mapped = currencyMap.find(op.currencyId()); mapped != currencyMap.end()) {
+        } else if (const auto mapped = currencyMap.find(op.currencyId());
+                   mapped != currencyMap.end()) {
             currency = mapped->second;
         }
         const EntryKey key = EntryKey::of(op, currency);
@@ -272,18 +276,19 @@ ImportResult importLedger(CFinoraDoc& doc, std::string_view bytes, Prompter& pro
         if (master == masterMap.end()) {
             master = masterMap.emplace(op.masterId(), doc.newMasterId()).first;
         }
-        doc.addOperation(Operation(0, op.date(), op.description(), op.type(), categoryOf(op), op.amount(),
-                                   currency, op.amountBgl(), op.notes(), {}, op.paid(), master->second));
+        doc.addOperation(Operation(0, op.date(), op.description(), op.type(), categoryOf(op),
+                                   op.amount(), currency, op.amountBgl(), op.notes(), {}, op.paid(),
+                                   master->second));
         known.insert(*doc.ledger().operations.rbegin(), hash);
         ++result.added;
     }
 
     batch.setLabel("импортиране на " + recordsText(static_cast<std::size_t>(result.added)));
     result.status = ImportResult::Status::Imported;
-    result.message = result.skipped > 0 ? "Данните бяха импортирани успешно. Бяха пропуснати " +
-                                              std::to_string(result.skipped) +
-                                              " повтарящи се записа."
-                                        : "Данните бяха импортирани успешно";
+    result.message = result.skipped > 0
+                         ? "Данните бяха импортирани успешно. Бяха пропуснати " +
+                               std::to_string(result.skipped) + " повтарящи се записа."
+                         : "Данните бяха импортирани успешно";
     prompter.inform(result.message, "Резултат");
     return result;
 }

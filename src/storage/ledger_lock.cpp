@@ -240,8 +240,7 @@ bool cleanValue(std::string_view value)
     return true;
 }
 
-template <class Number>
-bool parseNumber(std::string_view text, Number& out)
+template <class Number> bool parseNumber(std::string_view text, Number& out)
 {
     const auto [end, ec] = std::from_chars(text.data(), text.data() + text.size(), out);
     return ec == std::errc() && end == text.data() + text.size();
@@ -385,8 +384,8 @@ LedgerLock::Result LedgerLock::acquire(const std::string& ledgerPath, std::strin
     DateTimeParts p;
     if (now.toParts(p)) {
         char since[32];
-        std::snprintf(since, sizeof since, "%02d-%02d-%04d %02d:%02d", p.day, p.month, p.year, p.hour,
-                      p.minute);
+        std::snprintf(since, sizeof since, "%02d-%02d-%04d %02d:%02d", p.day, p.month, p.year,
+                      p.hour, p.minute);
         me.since = since;
     }
     me.token = newToken();

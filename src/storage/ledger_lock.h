@@ -16,8 +16,8 @@ struct LockOwner {
     std::string user;
     std::string host;
     std::int64_t pid = 0;
-    std::string since; // "23-11-2026 10:15", for people to read
-    std::string token; // tells one holder from another in the same process
+    std::string since;              // "23-11-2026 10:15", for people to read
+    std::string token;              // tells one holder from another in the same process
     std::uint64_t processStart = 0; // when the process began, where the system says; 0 if unknown
 
     bool operator==(const LockOwner&) const = default;

@@ -5,10 +5,9 @@
 #include "settings/memory_settings_store.h"
 #include "storage/file_io.h"
 
-#include <gtest/gtest.h>
-
 #include <filesystem>
 #include <fstream>
+#include <gtest/gtest.h>
 #include <sstream>
 
 #ifndef _WIN32

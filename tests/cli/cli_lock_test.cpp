@@ -37,8 +37,7 @@ std::size_t operationsIn(const std::string& bytes)
     return l.operations.size();
 }
 
-template <class F>
-double secondsOf(F&& f)
+template <class F> double secondsOf(F&& f)
 {
     const auto start = std::chrono::steady_clock::now();
     f();
@@ -59,11 +58,8 @@ TEST_F(CliTest, ALedgerOpenInTheDesktopProgramIsNotWrittenWithoutForce)
     ASSERT_EQ(desktop.acquire(file, kDesktopProgram, DateTime::fromParts(2026, 11, 23, 10, 15)),
               LedgerLock::Result::Acquired);
     const std::vector<std::vector<std::string>> writers = {
-        {"import", file, other},
-        {"lock", file, "--new-password", "таен"},
-        {"unlock", file},
-        {"convert", file},
-        {"import", other, other, "-o", file},
+        {"import", file, other}, {"lock", file, "--new-password", "таен"}, {"unlock", file},
+        {"convert", file},       {"import", other, other, "-o", file},
     };
     for (const auto& command : writers) {
         const CliResult r = run(command);
@@ -124,7 +120,9 @@ TEST_F(CliTest, TwoImportsIntoOneLedgerAtOnceBothLand)
             argv.push_back(a.data());
         }
         argv.push_back(nullptr);
-        ASSERT_EQ(::posix_spawn(&children[i], program.c_str(), nullptr, nullptr, argv.data(), environ), 0);
+        ASSERT_EQ(
+            ::posix_spawn(&children[i], program.c_str(), nullptr, nullptr, argv.data(), environ),
+            0);
     }
     for (const pid_t child : children) {
         int status = 0;
@@ -143,15 +141,17 @@ TEST_F(CliTest, AChainOfAHundredThousandNestedCategoriesIsWalkedInAMoment)
     for (int id = 1; id <= kDepth; ++id) {
         chain.categories.append(Category(id, "c" + std::to_string(id), id - 1));
     }
-    chain.operations.append(Operation(1, DateTime::fromParts(2025, 3, 1), cp1251::fromUtf8OrThrow("най-долу"), 2, kDepth, 1.0, 0,
-                                      1.0, "", DateTime::fromParts(2025, 3, 1), 1, 0));
+    chain.operations.append(Operation(1, DateTime::fromParts(2025, 3, 1),
+                                      cp1251::fromUtf8OrThrow("най-долу"), 2, kDepth, 1.0, 0, 1.0,
+                                      "", DateTime::fromParts(2025, 3, 1), 1, 0));
     chain.counters = {0, kDepth, 1, 0};
     const std::string file = path("верига.fnr");
     write(file, serializeLedger(chain));
 
     CliResult r;
     const double seconds = secondsOf([&] {
-        r = run({"list", file, "--category", "1", "--subcategories", "--from", "1-1-2025", "--to", "31-12-2025"});
+        r = run({"list", file, "--category", "1", "--subcategories", "--from", "1-1-2025", "--to",
+                 "31-12-2025"});
     });
     EXPECT_EQ(r.status, 0) << r.err;
     EXPECT_NE(r.out.find("най-долу"), std::string::npos);
@@ -169,8 +169,8 @@ TEST_F(CliTest, ImportingALedgerOfIdenticalOperationsIsLinear)
     same.categories.append(Category(1, "c", 0));
     constexpr int kCount = 200'000;
     for (int id = 1; id <= kCount; ++id) {
-        same.operations.append(Operation(id, DateTime::fromParts(2025, 3, 1), "same", 2, 1, 1.0, 0, 1.0, "",
-                                         DateTime::fromParts(2025, 3, 1), 1, 0));
+        same.operations.append(Operation(id, DateTime::fromParts(2025, 3, 1), "same", 2, 1, 1.0, 0,
+                                         1.0, "", DateTime::fromParts(2025, 3, 1), 1, 0));
     }
     same.counters = {0, 1, kCount, 0};
     const std::string file = path("еднакви.fnr");

@@ -9,9 +9,8 @@
 #include <QImage>
 #include <QRegularExpression>
 #include <QString>
-#include <gtest/gtest.h>
-
 #include <filesystem>
+#include <gtest/gtest.h>
 #include <sstream>
 
 using namespace finora;
@@ -34,7 +33,8 @@ class CliRenderTest : public ::testing::Test {
 protected:
     CliRenderTest()
         : dir(fs::temp_directory_path() /
-              (std::string("finora-cli-render-") + ::testing::UnitTest::GetInstance()->current_test_info()->name()))
+              (std::string("finora-cli-render-") +
+               ::testing::UnitTest::GetInstance()->current_test_info()->name()))
     {
         fs::remove_all(dir);
         fs::create_directories(dir);
@@ -56,8 +56,10 @@ protected:
     std::string total(const std::string& listOut, const std::string& label)
     {
         const std::size_t at = listOut.find(label + ": ");
-        return at == std::string::npos ? std::string()
-                                       : listOut.substr(at + label.size() + 2, listOut.find('\n', at) - at - label.size() - 2);
+        return at == std::string::npos
+                   ? std::string()
+                   : listOut.substr(at + label.size() + 2,
+                                    listOut.find('\n', at) - at - label.size() - 2);
     }
 
     fs::path dir;
@@ -90,19 +92,25 @@ TEST_F(CliRenderTest, TheReportPdfShowsTitleCurrencyPageNumbersTotalsAndFooter)
     ASSERT_EQ(pages.size(), 3) << text.toStdString();
     for (int p = 0; p < 3; ++p) {
         const QString& page = pages.at(p);
-        EXPECT_TRUE(page.contains(QStringLiteral("СПРАВКА ЗА ПРИХОДИТЕ И РАЗХОДИТЕ ОТ 01-01-2000 ДО 21-11-2026")));
+        EXPECT_TRUE(page.contains(
+            QStringLiteral("СПРАВКА ЗА ПРИХОДИТЕ И РАЗХОДИТЕ ОТ 01-01-2000 ДО 21-11-2026")));
         EXPECT_TRUE(page.contains(QStringLiteral("ВАЛУТЕН КРИТЕРИЙ: ВСИЧКИ ВАЛУТИ В BGL")));
-        EXPECT_TRUE(page.contains(QRegularExpression(QStringLiteral("(^|\\n)\\s*%1/3\\s").arg(p + 1)))) << p;
-        EXPECT_TRUE(page.contains(QStringLiteral("отпечатано на: 21-11-2026 9:5 / файл: ") +
-                                  QString::fromStdString(pathToUtf8(fs::absolute(pathFromUtf8(ledger))))));
+        EXPECT_TRUE(
+            page.contains(QRegularExpression(QStringLiteral("(^|\\n)\\s*%1/3\\s").arg(p + 1))))
+            << p;
+        EXPECT_TRUE(
+            page.contains(QStringLiteral("отпечатано на: 21-11-2026 9:5 / файл: ") +
+                          QString::fromStdString(pathToUtf8(fs::absolute(pathFromUtf8(ledger))))));
         // Portrait: no notes column.
         EXPECT_FALSE(page.contains(QStringLiteral("забележки")));
     }
     // The totals, as the list gives them, on the last page only.
-    for (const auto& [label, listLabel] : {std::pair{"ПРИХОД:", "приходи"}, std::pair{"РАЗХОД:", "разходи"},
-                                           std::pair{"БАЛАНС:", "баланс"}}) {
-        const QString line = QString::fromUtf8(label) + QStringLiteral("\\s+") +
-                             QRegularExpression::escape(QString::fromStdString(total(listed.out, listLabel)));
+    for (const auto& [label, listLabel] :
+         {std::pair{"ПРИХОД:", "приходи"}, std::pair{"РАЗХОД:", "разходи"},
+          std::pair{"БАЛАНС:", "баланс"}}) {
+        const QString line =
+            QString::fromUtf8(label) + QStringLiteral("\\s+") +
+            QRegularExpression::escape(QString::fromStdString(total(listed.out, listLabel)));
         EXPECT_TRUE(pages.at(2).contains(QRegularExpression(line))) << label;
         EXPECT_FALSE(pages.at(0).contains(QString::fromUtf8(label)));
     }
@@ -112,23 +120,29 @@ TEST_F(CliRenderTest, TheReportFollowsTheFilterSearchAndOrientation)
 {
     // Income alone, lying: the title says so, 35 rows a page and the notes column.
     const std::string pdf = path("приходи.pdf");
-    const CliResult r = run({"report", ledger, "--pdf", pdf, "--from", "1-1-2000", "--type", "1", "--landscape"});
+    const CliResult r =
+        run({"report", ledger, "--pdf", pdf, "--from", "1-1-2000", "--type", "1", "--landscape"});
     ASSERT_EQ(r.status, 0) << r.err;
     const QString text = pdfText(QString::fromStdString(pdf));
     EXPECT_TRUE(text.contains(QStringLiteral("СПРАВКА ЗА ПРИХОДИТЕ ОТ 01-01-2000 ДО 21-11-2026")));
     EXPECT_TRUE(text.contains(QStringLiteral("забележки")));
-    EXPECT_FALSE(text.contains(QRegularExpression(QStringLiteral("\\s-\\d+\\.\\d\\d\\s")))) << "an expense row";
+    EXPECT_FALSE(text.contains(QRegularExpression(QStringLiteral("\\s-\\d+\\.\\d\\d\\s"))))
+        << "an expense row";
 
     // Only the rows the search keeps: one page, each with the word.
     const std::string found = path("пазар.pdf");
-    ASSERT_EQ(run({"report", ledger, "--pdf", found, "--from", "1-1-2000", "--search", "пазар", "--only-matching"}).status, 0);
+    ASSERT_EQ(run({"report", ledger, "--pdf", found, "--from", "1-1-2000", "--search", "пазар",
+                   "--only-matching"})
+                  .status,
+              0);
     const QString foundText = pdfText(QString::fromStdString(found));
     EXPECT_EQ(foundText.split(QLatin1Char('\f'), Qt::SkipEmptyParts).size(), 1);
     EXPECT_TRUE(foundText.contains(QStringLiteral("1/1")));
     EXPECT_TRUE(foundText.contains(QStringLiteral("Пазар")));
 
     // Nothing to print, no way to write, no place to say where: each says so and writes nothing.
-    const CliResult empty = run({"report", ledger, "--pdf", path("празна.pdf"), "--from", "1-1-2030"});
+    const CliResult empty =
+        run({"report", ledger, "--pdf", path("празна.pdf"), "--from", "1-1-2030"});
     EXPECT_EQ(empty.status, cli::kNotWritten);
     EXPECT_FALSE(fs::exists(pathFromUtf8(path("празна.pdf"))));
     EXPECT_EQ(run({"report", ledger, "--pdf", path("няма/такава.pdf")}).status, cli::kNotWritten);
@@ -138,7 +152,8 @@ TEST_F(CliRenderTest, TheReportFollowsTheFilterSearchAndOrientation)
 TEST_F(CliRenderTest, TheChartIsAPictureOfTheAskedSizeWithGreenIncomeAndRedExpense)
 {
     const std::string png = path("2026.png");
-    const CliResult r = run({"chart", ledger, "2026", "--png", png, "--width", "640", "--height", "400"});
+    const CliResult r =
+        run({"chart", ledger, "2026", "--png", png, "--width", "640", "--height", "400"});
     ASSERT_EQ(r.status, 0) << r.err;
     const QImage picture(QString::fromStdString(png));
     ASSERT_FALSE(picture.isNull());
@@ -158,7 +173,8 @@ TEST_F(CliRenderTest, TheChartIsAPictureOfTheAskedSizeWithGreenIncomeAndRedExpen
     EXPECT_EQ(run({"chart", ledger, "2026", "--png", png, "--width", "0"}).status, cli::kUsage);
     EXPECT_EQ(run({"chart", ledger, "2026", "--png", png, "--height", "9000"}).status, cli::kUsage);
     EXPECT_EQ(run({"chart", ledger, "2026"}).status, cli::kUsage);
-    EXPECT_EQ(run({"chart", ledger, "2026", "--png", path("няма/2026.png")}).status, cli::kNotWritten);
+    EXPECT_EQ(run({"chart", ledger, "2026", "--png", path("няма/2026.png")}).status,
+              cli::kNotWritten);
 }
 
 int main(int argc, char** argv)

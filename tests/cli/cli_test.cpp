@@ -1,5 +1,6 @@
 #include "../storage/ledger_builders.h"
 #include "cli/cli_app.h"
+#include "cli/cli_fixture.h"
 #include "demo/ledger_generator.h"
 #include "settings/memory_settings_store.h"
 #include "storage/document_storage.h"
@@ -7,18 +8,14 @@
 #include "storage/ledger_format.h"
 #include "text/cp1251.h"
 
-#include "cli/cli_fixture.h"
-
-#include <gtest/gtest.h>
-
 #include <filesystem>
 #include <fstream>
+#include <gtest/gtest.h>
 #include <sstream>
 
 using namespace finora;
 using namespace finora::test;
 namespace fs = std::filesystem;
-
 
 TEST_F(CliTest, NewWritesAn37ByteLedgerAndWillNotOverwriteWithoutForce)
 {
@@ -81,8 +78,9 @@ TEST_F(CliTest, ExitStatusesTellWhatWentWrong)
     write(newer, test::legacyBytes(1.41, test::sampleLedger(), true, true));
     const CliResult r = run({"info", newer});
     EXPECT_EQ(r.status, cli::kNewerFormat);
-    EXPECT_EQ(r.err, "finora-cli: Този документ е създаден от по-нова версия на Finora и не може да "
-                     "бъде отворен. Натиснете OK за изход от програмата...\n");
+    EXPECT_EQ(r.err,
+              "finora-cli: Този документ е създаден от по-нова версия на Finora и не може да "
+              "бъде отворен. Натиснете OK за изход от програмата...\n");
 
     const std::string cut = path("cut.fnr");
     write(cut, serializeLedger(test::sampleLedger()).substr(0, 50));
@@ -131,8 +129,8 @@ TEST_F(CliTest, DumpPrintsEveryRecordWithTextsInUtf8AndExactNumbers)
     l.categories.append(Category(1, cp1251::fromUtf8OrThrow("Храна \"вкъщи\""), 0));
     for (std::size_t n : {254u, 255u, 65533u, 65534u, 70000u}) {
         l.operations.append(Operation(static_cast<std::int32_t>(n), DateTime(45000.125, 0),
-                                      std::string(n, '\xE4'), kIncome, 1, 0.1, 0, 0.30000000000000004,
-                                      "", DateTime(1.5, 2), 1, 0));
+                                      std::string(n, '\xE4'), kIncome, 1, 0.1, 0,
+                                      0.30000000000000004, "", DateTime(1.5, 2), 1, 0));
     }
     const std::string file = path("strings.fnr");
     write(file, serializeLedger(l));
@@ -144,8 +142,10 @@ TEST_F(CliTest, DumpPrintsEveryRecordWithTextsInUtf8AndExactNumbers)
         for (std::size_t i = 0; i < n; ++i) {
             d += "д";
         }
-        EXPECT_NE(r.out.find("\"id\":" + std::to_string(n) + ",\"date\":{\"status\":0,\"days\":45000.125},"
-                             "\"description\":\"" + d + "\""),
+        EXPECT_NE(r.out.find("\"id\":" + std::to_string(n) +
+                             ",\"date\":{\"status\":0,\"days\":45000.125},"
+                             "\"description\":\"" +
+                             d + "\""),
                   std::string::npos)
             << n;
     }
@@ -179,10 +179,12 @@ Ledger listLedger()
     l.categories.append(Category(1, cp1251::fromUtf8OrThrow("Храна"), 0));
     l.categories.append(Category(2, cp1251::fromUtf8OrThrow("Пазар"), 1));
     l.categories.append(Category(3, cp1251::fromUtf8OrThrow("Заплата"), 0));
-    l.operations.append(Operation(1, DateTime::fromParts(2024, 1, 5), cp1251::fromUtf8OrThrow("Заплата"),
-                                  kIncome, 3, 2000, 0, 2000, "", DateTime::fromParts(2024, 1, 5, 9, 7, 2), 1, 0));
-    l.operations.append(Operation(2, DateTime::fromParts(2024, 1, 6), cp1251::fromUtf8OrThrow("Ябълки"),
-                                  kExpense, 2, 4.5, 0, 4.5, "kg, red \"gala\"", {}, 0, 0));
+    l.operations.append(Operation(1, DateTime::fromParts(2024, 1, 5),
+                                  cp1251::fromUtf8OrThrow("Заплата"), kIncome, 3, 2000, 0, 2000, "",
+                                  DateTime::fromParts(2024, 1, 5, 9, 7, 2), 1, 0));
+    l.operations.append(Operation(2, DateTime::fromParts(2024, 1, 6),
+                                  cp1251::fromUtf8OrThrow("Ябълки"), kExpense, 2, 4.5, 0, 4.5,
+                                  "kg, red \"gala\"", {}, 0, 0));
     l.operations.append(Operation(3, DateTime::fromParts(2024, 2, 7), "Hotel", kExpense, 1, 50, 1,
                                   97.79, "", {}, 1, 4));
     l.counters = {1, 3, 3, 4};
@@ -197,13 +199,14 @@ TEST_F(CliTest, ListPrintsTheMainWindowsCellsSelectionAndTotals)
     write(file, serializeLedger(listLedger()));
     const CliResult r = run({"--now", "2024-03-01 10:00:00", "list", file, "--json"});
     ASSERT_EQ(r.status, 0) << r.err;
-    EXPECT_EQ(r.out,
-              R"({"columns":["#","master_op_id","дата","описание","тип","категория","сума","валута","сума в BGL","забележки","последна модификация","изплатено"],"rows":[)"
-              R"({"cells":["3","4","07-02-2024","Hotel","Р","Храна","50.00","EUR","97.79","","30-12-1899 0:0:0","да"],"selected":false},)"
-              R"({"cells":["2","0","06-01-2024","Ябълки","Р","Храна :: Пазар","4.50","BGL","4.50","kg, red \"gala\"","30-12-1899 0:0:0","не"],"selected":false},)"
-              R"({"cells":["1","0","05-01-2024","Заплата","П","Заплата","2000.00","BGL","2000.00","","5-1-2024 9:7:2","да"],"selected":true}],)"
-              R"("totals":{"income":"2000.00 BGL","expense":"102.29 BGL","balance":"1897.71 BGL"}})"
-              "\n");
+    EXPECT_EQ(
+        r.out,
+        R"({"columns":["#","master_op_id","дата","описание","тип","категория","сума","валута","сума в BGL","забележки","последна модификация","изплатено"],"rows":[)"
+        R"({"cells":["3","4","07-02-2024","Hotel","Р","Храна","50.00","EUR","97.79","","30-12-1899 0:0:0","да"],"selected":false},)"
+        R"({"cells":["2","0","06-01-2024","Ябълки","Р","Храна :: Пазар","4.50","BGL","4.50","kg, red \"gala\"","30-12-1899 0:0:0","не"],"selected":false},)"
+        R"({"cells":["1","0","05-01-2024","Заплата","П","Заплата","2000.00","BGL","2000.00","","5-1-2024 9:7:2","да"],"selected":true}],)"
+        R"("totals":{"income":"2000.00 BGL","expense":"102.29 BGL","balance":"1897.71 BGL"}})"
+        "\n");
 }
 
 TEST_F(CliTest, FilterSearchAndAmountOptionsApplyInOrder)
@@ -242,14 +245,18 @@ TEST_F(CliTest, FilterSearchAndAmountOptionsApplyInOrder)
     // A saved filter gives its criteria; options beside it win.
     const std::string filter = path("f.ffl");
     ASSERT_EQ(run({"--now", "2024-03-01 10:00:00", "save-filter", filter, "--category", "1",
-                   "--subcategories", "--paid", "2"}).status, 0);
+                   "--subcategories", "--paid", "2"})
+                  .status,
+              0);
     EXPECT_EQ(ids({"--filter", filter, "--from", "1-1-2024", "--to", "31-12-2024"}),
               std::vector<std::string>{"2"});
     EXPECT_EQ(ids({"--filter", filter, "--from", "1-1-2024", "--to", "31-12-2024", "--paid", "0"}),
               (std::vector<std::string>{"3", "2"}));
     const CliResult shown = run({"show-filter", filter, "--json"});
-    EXPECT_EQ(shown.out, R"({"from":"1-3-2024","to":"1-3-2024","type":0,"categories":[1],"subcategories":true,"currency":":: ВСИЧКИ ВАЛУТИ В BGL ::","paid":2})"
-                         "\n");
+    EXPECT_EQ(
+        shown.out,
+        R"({"from":"1-3-2024","to":"1-3-2024","type":0,"categories":[1],"subcategories":true,"currency":":: ВСИЧКИ ВАЛУТИ В BGL ::","paid":2})"
+        "\n");
     write(path("bad.ffl"), "nonsense");
     EXPECT_EQ(run({"show-filter", path("bad.ffl"), "--json"}).status, cli::kUnreadable);
 }
@@ -262,7 +269,8 @@ TEST_F(CliTest, ExportWritesRfc4180Csv)
     ASSERT_EQ(r.status, 0) << r.err;
     EXPECT_EQ(r.out, "#,master_op_id,дата,описание,тип,категория,сума,валута,сума в BGL,забележки,"
                      "последна модификация,изплатено\r\n"
-                     "2,0,06-01-2024,Ябълки,Р,Храна :: Пазар,4.50,BGL,4.50,\"kg, red \"\"gala\"\"\",30-12-1899 0:0:0,не\r\n");
+                     "2,0,06-01-2024,Ябълки,Р,Храна :: Пазар,4.50,BGL,4.50,\"kg, red "
+                     "\"\"gala\"\"\",30-12-1899 0:0:0,не\r\n");
     EXPECT_EQ(run({"export", file}).status, cli::kUsage);
 }
 
@@ -271,19 +279,25 @@ TEST_F(CliTest, CashYearImportAndLock)
     const std::string file = path("l.fnr");
     write(file, serializeLedger(listLedger()));
     const CliResult cash = run({"cash", file, "--json"});
-    EXPECT_EQ(cash.out,
-              R"({"columns":["","валута","в наличност","ср. стойност в BGL","сред. курс","бр. операции","приход","разход"],"rows":[)"
-              R"({"cells":["0","BGL","2000.00","2000.00","1.000000","2","2000.00","0.00"]},)"
-              R"({"cells":["1","EUR","-50.00","-97.79","1.955800","1","0.00","50.00"]}]})"
-              "\n");
+    EXPECT_EQ(
+        cash.out,
+        R"({"columns":["","валута","в наличност","ср. стойност в BGL","сред. курс","бр. операции","приход","разход"],"rows":[)"
+        R"({"cells":["0","BGL","2000.00","2000.00","1.000000","2","2000.00","0.00"]},)"
+        R"({"cells":["1","EUR","-50.00","-97.79","1.955800","1","0.00","50.00"]}]})"
+        "\n");
     const CliResult year = run({"year", file, "2024"});
-    EXPECT_EQ(year.out, R"({"year":2024,"has_data":true,"maximum":2000,"income":[2000,0,0,0,0,0,0,0,0,0,0,0],)"
-                        R"("expense":[4.5,97.79,0,0,0,0,0,0,0,0,0,0],"year_income":2000,"year_expense":102.29})"
-                        "\n");
+    EXPECT_EQ(
+        year.out,
+        R"({"year":2024,"has_data":true,"maximum":2000,"income":[2000,0,0,0,0,0,0,0,0,0,0,0],)"
+        R"("expense":[4.5,97.79,0,0,0,0,0,0,0,0,0,0],"year_income":2000,"year_expense":102.29})"
+        "\n");
 
-    const CliResult imported = run({"--now", "2004-03-05 09:07:02", "import", file, file, "-o", path("m.fnr"), "--json"});
-    EXPECT_EQ(imported.out, R"({"added":0,"skipped":3,"import_category":null,"message":"Данните бяха импортирани успешно. Бяха пропуснати 3 повтарящи се записа."})"
-                            "\n");
+    const CliResult imported =
+        run({"--now", "2004-03-05 09:07:02", "import", file, file, "-o", path("m.fnr"), "--json"});
+    EXPECT_EQ(
+        imported.out,
+        R"({"added":0,"skipped":3,"import_category":null,"message":"Данните бяха импортирани успешно. Бяха пропуснати 3 повтарящи се записа."})"
+        "\n");
     EXPECT_EQ(read(file), serializeLedger(listLedger())); // written to -o only
 
     ASSERT_EQ(run({"lock", file, "--new-password", "тайна"}).status, 0);

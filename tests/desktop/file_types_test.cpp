@@ -15,7 +15,6 @@
 #include <QTemporaryDir>
 #include <QXmlStreamReader>
 #include <gtest/gtest.h>
-
 #include <map>
 #include <set>
 
@@ -74,7 +73,8 @@ std::map<QString, MimeType> readMimeTypes()
         } else if (xml.name() == u"glob") {
             types[current].globs << a.value(QLatin1String("pattern")).toString();
         } else if (xml.name() == u"match") {
-            types[current].magic.emplace_back(a.value(QLatin1String("offset")).toInt(), unescape(a.value(QLatin1String("value")).toString()));
+            types[current].magic.emplace_back(a.value(QLatin1String("offset")).toInt(),
+                                              unescape(a.value(QLatin1String("value")).toString()));
         }
     }
     EXPECT_FALSE(xml.hasError()) << xml.errorString().toStdString();
@@ -121,17 +121,22 @@ TEST(FileTypes, TheDesktopTellsLedgersAndFiltersByContentAndByName)
 {
     QTemporaryDir dir;
     QMimeDatabase db;
-    const QString ledger = writeTemp(dir, QStringLiteral("домашен бюджет"), serializeLedger(generateLedger(30, 4)));
+    const QString ledger =
+        writeTemp(dir, QStringLiteral("домашен бюджет"), serializeLedger(generateLedger(30, 4)));
     EXPECT_EQ(db.mimeTypeForFile(ledger, QMimeDatabase::MatchContent).name(), kLedgerType);
     const std::string old = test::legacyBytes(1.3, test::sampleLedger(), true, true);
-    EXPECT_NE(db.mimeTypeForFile(writeTemp(dir, QStringLiteral("стар"), old), QMimeDatabase::MatchContent).name(),
+    EXPECT_NE(
+        db.mimeTypeForFile(writeTemp(dir, QStringLiteral("стар"), old), QMimeDatabase::MatchContent)
+            .name(),
+        kLedgerType);
+    EXPECT_EQ(db.mimeTypeForFile(writeTemp(dir, QStringLiteral("стар.fnr"), old)).name(),
               kLedgerType);
-    EXPECT_EQ(db.mimeTypeForFile(writeTemp(dir, QStringLiteral("стар.fnr"), old)).name(), kLedgerType);
 
     const QString filter = dir.filePath(QStringLiteral("тримесечие"));
     ASSERT_TRUE(saveFilterFile(filter.toStdString(), StoredFilter{}));
     EXPECT_EQ(db.mimeTypeForFile(filter, QMimeDatabase::MatchContent).name(), kFilterType);
-    EXPECT_EQ(db.mimeTypeForFile(QStringLiteral("q1.ffl"), QMimeDatabase::MatchExtension).name(), kFilterType);
+    EXPECT_EQ(db.mimeTypeForFile(QStringLiteral("q1.ffl"), QMimeDatabase::MatchExtension).name(),
+              kFilterType);
 }
 
 TEST(FileTypes, TheDesktopEntryAndTheMetainfoNameTheSameTypesIconAndVersion)
@@ -143,14 +148,16 @@ TEST(FileTypes, TheDesktopEntryAndTheMetainfoNameTheSameTypesIconAndVersion)
 
     // The desktop entry: one key a line, the lists ended by ';'.
     std::map<QString, QString> entry;
-    const QString desktop = QString::fromUtf8(readAll(installed(QStringLiteral("applications/" FINORA_APP_ID ".desktop"))));
+    const QString desktop = QString::fromUtf8(
+        readAll(installed(QStringLiteral("applications/" FINORA_APP_ID ".desktop"))));
     for (const QString& line : desktop.split(QLatin1Char('\n'))) {
         const qsizetype eq = line.indexOf(QLatin1Char('='));
         if (eq > 0) {
             entry[line.left(eq)] = line.mid(eq + 1);
         }
     }
-    const QStringList listed = entry[QStringLiteral("MimeType")].split(QLatin1Char(';'), Qt::SkipEmptyParts);
+    const QStringList listed =
+        entry[QStringLiteral("MimeType")].split(QLatin1Char(';'), Qt::SkipEmptyParts);
     EXPECT_EQ(std::set<QString>(listed.begin(), listed.end()), mimeTypes);
     EXPECT_EQ(entry[QStringLiteral("Exec")], QStringLiteral("finora %f"));
     EXPECT_EQ(entry[QStringLiteral("Categories")], QStringLiteral("Office;Finance;"));
@@ -158,14 +165,17 @@ TEST(FileTypes, TheDesktopEntryAndTheMetainfoNameTheSameTypesIconAndVersion)
     EXPECT_FALSE(entry[QStringLiteral("Name[bg]")].isEmpty());
     const QString icon = entry[QStringLiteral("Icon")];
     EXPECT_EQ(icon, QStringLiteral(FINORA_APP_ID));
-    EXPECT_TRUE(QFile::exists(installed(QStringLiteral("icons/hicolor/scalable/apps/%1.svg").arg(icon))));
+    EXPECT_TRUE(
+        QFile::exists(installed(QStringLiteral("icons/hicolor/scalable/apps/%1.svg").arg(icon))));
     for (const char* size : {"16x16", "32x32", "48x48", "64x64", "128x128", "256x256"}) {
-        EXPECT_TRUE(QFile::exists(installed(QStringLiteral("icons/hicolor/%1/apps/%2.png").arg(QLatin1String(size), icon))))
+        EXPECT_TRUE(QFile::exists(installed(
+            QStringLiteral("icons/hicolor/%1/apps/%2.png").arg(QLatin1String(size), icon))))
             << size;
     }
 
     // The AppStream data: the same id, entry, types and version.
-    QXmlStreamReader xml(readAll(installed(QStringLiteral("metainfo/" FINORA_APP_ID ".metainfo.xml"))));
+    QXmlStreamReader xml(
+        readAll(installed(QStringLiteral("metainfo/" FINORA_APP_ID ".metainfo.xml"))));
     std::set<QString> provided;
     QString id, launchable, release;
     while (!xml.atEnd()) {
@@ -201,19 +211,25 @@ int main(int argc, char** argv)
         const QString data = QStringLiteral(FINORA_SOURCE_DATA);
         const std::pair<QString, QString> files[] = {
             {data + QStringLiteral("/finora-mime.xml"), QStringLiteral("mime/packages/finora.xml")},
-            {data + QStringLiteral("/" FINORA_APP_ID ".desktop"), QStringLiteral("applications/" FINORA_APP_ID ".desktop")},
+            {data + QStringLiteral("/" FINORA_APP_ID ".desktop"),
+             QStringLiteral("applications/" FINORA_APP_ID ".desktop")},
             {QStringLiteral(FINORA_BUILD_DATA "/" FINORA_APP_ID ".metainfo.xml"),
              QStringLiteral("metainfo/" FINORA_APP_ID ".metainfo.xml")},
-            {data + QStringLiteral("/icons/" FINORA_APP_ID ".svg"), QStringLiteral("icons/hicolor/scalable/apps/" FINORA_APP_ID ".svg")},
+            {data + QStringLiteral("/icons/" FINORA_APP_ID ".svg"),
+             QStringLiteral("icons/hicolor/scalable/apps/" FINORA_APP_ID ".svg")},
         };
         for (const auto& [from, to] : files) {
             QDir().mkpath(QFileInfo(installed(to)).path());
             QFile::copy(from, installed(to));
         }
-        for (const QString& size : QDir(data + QStringLiteral("/icons/hicolor")).entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
-            const QString to = installed(QStringLiteral("icons/hicolor/%1/apps/" FINORA_APP_ID ".png").arg(size));
+        for (const QString& size : QDir(data + QStringLiteral("/icons/hicolor"))
+                                       .entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
+            const QString to =
+                installed(QStringLiteral("icons/hicolor/%1/apps/" FINORA_APP_ID ".png").arg(size));
             QDir().mkpath(QFileInfo(to).path());
-            QFile::copy(data + QStringLiteral("/icons/hicolor/%1/apps/" FINORA_APP_ID ".png").arg(size), to);
+            QFile::copy(
+                data + QStringLiteral("/icons/hicolor/%1/apps/" FINORA_APP_ID ".png").arg(size),
+                to);
         }
     }
     qputenv("XDG_DATA_DIRS", QFile::encodeName(g_share));

@@ -2,13 +2,11 @@
 #include "model/recording_prompter.h"
 #include "settings/memory_settings_store.h"
 
-#include <gtest/gtest.h>
-
-#include <unistd.h>
-
 #include <filesystem>
 #include <fstream>
+#include <gtest/gtest.h>
 #include <map>
+#include <unistd.h>
 
 using namespace finora;
 namespace fs = std::filesystem;
@@ -77,9 +75,11 @@ TEST(BackupFolder, AMissingFolderIsCreatedWholeAfterOneQuestion)
     prompter.queue(Answer::No);
     EXPECT_FALSE(acceptBackupFolder("/data/a/b/c", prompter, probe));
     EXPECT_TRUE(probe.created.empty());
-    EXPECT_EQ(prompter.messages().back(),
-              (Message{"Finora", "/data/a/b/c\nТази директория не съществува.\n\nЖелаете ли да бъде създадена?",
-                       MessageIcon::None, MessageButtons::YesNo}));
+    EXPECT_EQ(
+        prompter.messages().back(),
+        (Message{"Finora",
+                 "/data/a/b/c\nТази директория не съществува.\n\nЖелаете ли да бъде създадена?",
+                 MessageIcon::None, MessageButtons::YesNo}));
     prompter.queue(Answer::Yes);
     EXPECT_EQ(acceptBackupFolder("/data/a/b/c", prompter, probe), "/data/a/b/c/");
     EXPECT_EQ(probe.created, std::vector<std::string>{"/data/a/b/c"});
@@ -88,8 +88,10 @@ TEST(BackupFolder, AMissingFolderIsCreatedWholeAfterOneQuestion)
 TEST(BackupFolder, AFailedCreationIsExplainedByItsMedium)
 {
     const std::pair<FolderProbe::Medium, const char*> cases[] = {
-        {FolderProbe::Medium::OpticalDisc, "Не можете да създадете тази директория,\nзащото CD-ROM устройството позволява само четене."},
-        {FolderProbe::Medium::ReadOnly, "Не можете да създадете тази директория.\nМедията е защитена от запис."},
+        {FolderProbe::Medium::OpticalDisc, "Не можете да създадете тази директория,\nзащото CD-ROM "
+                                           "устройството позволява само четене."},
+        {FolderProbe::Medium::ReadOnly,
+         "Не можете да създадете тази директория.\nМедията е защитена от запис."},
         {FolderProbe::Medium::Network, "Нямате права за създаване на директория\nв тази мрежа."},
         {FolderProbe::Medium::Ordinary, "Нямате права за\nсъздаване на тази директория."},
     };
@@ -118,7 +120,8 @@ TEST(BackupFolder, ChoosingTheSameFolderAgainChangesNothing)
 
 TEST(BackupFolder, TheRealFileSystemCreatesNestedFolders)
 {
-    const fs::path base = fs::temp_directory_path() / ("finora-backup-folder-test-" + std::to_string(::getpid()));
+    const fs::path base =
+        fs::temp_directory_path() / ("finora-backup-folder-test-" + std::to_string(::getpid()));
     fs::remove_all(base);
     RecordingPrompter prompter;
     FileSystemProbe probe;

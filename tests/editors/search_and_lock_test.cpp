@@ -29,11 +29,12 @@ TEST(SearchEditor, OrAndTheExactPhraseExcludeEachOther)
     e.chooseMode(SearchRequest::Or);
     EXPECT_EQ(e.request().mode, SearchRequest::Not); // the previous mode stays
     EXPECT_TRUE(e.request().exactPhrase);
-    EXPECT_EQ(prompter.messages().back(),
-              (Message{"Изберете",
-                       "В режим на търсене OR, опцията \"търси същата фраза\" е неприложима. Желаете "
-                       "ли да бъде деактивирана?",
-                       MessageIcon::Question, MessageButtons::YesNo}));
+    EXPECT_EQ(
+        prompter.messages().back(),
+        (Message{"Изберете",
+                 "В режим на търсене OR, опцията \"търси същата фраза\" е неприложима. Желаете "
+                 "ли да бъде деактивирана?",
+                 MessageIcon::Question, MessageButtons::YesNo}));
     prompter.queue(Answer::Yes);
     e.chooseMode(SearchRequest::Or);
     EXPECT_EQ(e.request().mode, SearchRequest::Or);
@@ -60,8 +61,8 @@ TEST(PasswordDialog, LockModeWantsTheSamePasswordTwice)
 {
     RecordingPrompter prompter;
     EXPECT_FALSE(acceptPassword(true, "abc", "abd", prompter));
-    EXPECT_EQ(prompter.messages().back(),
-              (Message{"Грешка", "Двете пароли не съвпадат", MessageIcon::Error, MessageButtons::Ok}));
+    EXPECT_EQ(prompter.messages().back(), (Message{"Грешка", "Двете пароли не съвпадат",
+                                                   MessageIcon::Error, MessageButtons::Ok}));
     EXPECT_TRUE(acceptPassword(true, "", "", prompter));
     EXPECT_TRUE(acceptPassword(false, "abc", "ignored", prompter));
 }
@@ -117,15 +118,17 @@ TEST(AmountFilterDialog, NumbersWithAPointOrACommaAndNothingElse)
     EXPECT_EQ(r.amount, 97.79);
     EXPECT_EQ(r.tolerance, 0.5);
     EXPECT_TRUE(r.alsoBgl);
-    ASSERT_TRUE(readAmountFilter("-3", "-1", false, prompter, r)); // a negative tolerance is allowed
+    ASSERT_TRUE(
+        readAmountFilter("-3", "-1", false, prompter, r)); // a negative tolerance is allowed
     EXPECT_EQ(r.tolerance, -1.0);
     EXPECT_TRUE(prompter.messages().empty());
 
     r = AmountFilterRequest{1, 2, false};
-    for (const auto& [amount, tolerance] : {std::pair{"", "0"}, std::pair{"12a", "0"},
-                                            std::pair{"1.2.3", "0"}, std::pair{"inf", "0"},
-                                            std::pair{"5", "x"}}) {
-        EXPECT_FALSE(readAmountFilter(amount, tolerance, false, prompter, r)) << amount << tolerance;
+    for (const auto& [amount, tolerance] :
+         {std::pair{"", "0"}, std::pair{"12a", "0"}, std::pair{"1.2.3", "0"}, std::pair{"inf", "0"},
+          std::pair{"5", "x"}}) {
+        EXPECT_FALSE(readAmountFilter(amount, tolerance, false, prompter, r))
+            << amount << tolerance;
         EXPECT_EQ(r.amount, 1.0); // nothing taken
     }
     EXPECT_NE(prompter.messages().back().text.find("толеранс"), std::string::npos);

@@ -42,14 +42,16 @@ TEST(Chart, TheAxisTakesRoundStepsAndWidensAnEmptyRange)
     EXPECT_EQ(axisScale(10, 3, 5).maximum, 11);
     EXPECT_GT(axisScale(0, 0, 50).step, 0);
     // Whole numbers on the axis: a small range never writes one label twice.
-    for (const auto& [low, high] : {std::pair{0, 0}, std::pair{0, 1}, std::pair{0, 7}, std::pair{-3, 3}}) {
+    for (const auto& [low, high] :
+         {std::pair{0, 0}, std::pair{0, 1}, std::pair{0, 7}, std::pair{-3, 3}}) {
         const AxisScale small = axisScale(low, high, 50);
         QStringList labels;
         for (double v = small.minimum; v <= small.maximum + 1e-9; v += small.step) {
             labels << QString::number(std::llround(v));
         }
         labels.removeDuplicates();
-        EXPECT_EQ(labels.size(), static_cast<int>(std::lround((small.maximum - small.minimum) / small.step)) + 1)
+        EXPECT_EQ(labels.size(),
+                  static_cast<int>(std::lround((small.maximum - small.minimum) / small.step)) + 1)
             << low << ".." << high;
     }
 }
@@ -95,7 +97,10 @@ protected:
         openGenerated(QStringLiteral("години.fnr"), 3000, 7);
     }
     // The bars a person sees in the frame: its pixels of the income colour.
-    static int incomePixels(QWidget* frame) { return pixelsOf(frame->grab().toImage(), qRgb(0, 255, 0)); }
+    static int incomePixels(QWidget* frame)
+    {
+        return pixelsOf(frame->grab().toImage(), qRgb(0, 255, 0));
+    }
 };
 
 TEST_F(YearlyChart, DrawsTheYearStepsAndAsksForARefreshAfterAResize)
@@ -105,7 +110,8 @@ TEST_F(YearlyChart, DrawsTheYearStepsAndAsksForARefreshAfterAResize)
     double most = 0;
     for (int year = 2000; year <= 2030; ++year) {
         YearlySummary s;
-        if (computeYearlySummary(m_frame->document(), year, s) && s.yearIncome + s.yearExpense > most) {
+        if (computeYearlySummary(m_frame->document(), year, s) &&
+            s.yearIncome + s.yearExpense > most) {
             most = s.yearIncome + s.yearExpense;
             busiest = year;
         }
@@ -171,7 +177,8 @@ TEST_F(YearlyChart, DrawsTheYearStepsAndAsksForARefreshAfterAResize)
         user::click(user::button(d, QStringLiteral("изход")));
     });
     user::chooseMenu(m_frame.get(),
-                     {QStringLiteral("Данни"), QStringLiteral("Диаграма за приходите и разходите през годината ...")});
+                     {QStringLiteral("Данни"),
+                      QStringLiteral("Диаграма за приходите и разходите през годината ...")});
     chart.verify();
     ASSERT_EQ(m_prompter.messages().size(), 1u);
     EXPECT_EQ(m_prompter.messages().back().icon, MessageIcon::Error);

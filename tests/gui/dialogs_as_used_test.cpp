@@ -18,7 +18,6 @@
 #include <QRadioButton>
 #include <QTreeWidget>
 #include <gtest/gtest.h>
-
 #include <optional>
 
 using namespace finora;
@@ -30,8 +29,8 @@ class DialogsAsUsed : public DesktopSession {
 protected:
     DialogsAsUsed() { openGenerated(QStringLiteral("дом.fnr"), 200, 9); }
 
-
-    // A password dialog answered with `password` and Enter, after the menu item or key that opens it.
+    // A password dialog answered with `password` and Enter, after the menu item or key that opens
+    // it.
     static std::function<void(QDialog*)> typePassword(const QString& password)
     {
         return [password](QDialog* d) {
@@ -90,7 +89,8 @@ TEST_F(DialogsAsUsed, TheProtectionGoesOnlyWithItsPassword)
     }
     EXPECT_EQ(lastMessage().caption, "Постоянно достъпен!");
     EXPECT_EQ(shownRows(), 200);
-    EXPECT_NE(user::lookAtMenu(m_frame.get(), settingsMenu("Задаване на постоянна защита")), nullptr);
+    EXPECT_NE(user::lookAtMenu(m_frame.get(), settingsMenu("Задаване на постоянна защита")),
+              nullptr);
     EXPECT_FALSE(user::lookAtMenu(m_frame.get(), settingsMenu("Заключи"))->isEnabled());
     user::press(m_frame.get(), Qt::Key_S, Qt::ControlModifier);
     EXPECT_TRUE(ledgerOnDisk().lockText.empty());
@@ -110,7 +110,8 @@ QLineEdit* widthField(QDialog* d, const char* label)
 
 TEST_F(DialogsAsUsed, PrintWidthsAreTypedInMillimetresAndAWordIsRefused)
 {
-    const QStringList widths = {QStringLiteral("Файл"), QStringLiteral("Настройка на полетата за печат ...")};
+    const QStringList widths = {QStringLiteral("Файл"),
+                                QStringLiteral("Настройка на полетата за печат ...")};
     Settings settings(m_store);
     const QString description = QString::number(settings.value(IntSetting::DescrWidth) / 10);
     {
@@ -152,7 +153,8 @@ TEST_F(DialogsAsUsed, ThePageSetupTurnsThePreviewedReport)
             EXPECT_TRUE(landscape->isChecked());
             user::click(d->findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Ok));
         });
-        user::chooseMenu(m_frame.get(), {QStringLiteral("Файл"), QStringLiteral("Настройка на печата ...")});
+        user::chooseMenu(m_frame.get(),
+                         {QStringLiteral("Файл"), QStringLiteral("Настройка на печата ...")});
     }
     QPageLayout::Orientation shown = QPageLayout::Portrait;
     {
@@ -160,7 +162,8 @@ TEST_F(DialogsAsUsed, ThePageSetupTurnsThePreviewedReport)
             shown = d->findChild<QPrintPreviewWidget*>()->orientation();
             QTest::keyClick(d, Qt::Key_Escape);
         });
-        user::chooseMenu(m_frame.get(), {QStringLiteral("Файл"), QStringLiteral("Предпечатен изглед на справката ...")});
+        user::chooseMenu(m_frame.get(), {QStringLiteral("Файл"),
+                                         QStringLiteral("Предпечатен изглед на справката ...")});
     }
     EXPECT_EQ(shown, QPageLayout::Landscape);
 }
@@ -179,7 +182,8 @@ TEST_F(DialogsAsUsed, CtrlPPrintsTheReportToAFile)
         user::press(m_frame.get(), Qt::Key_P, Qt::ControlModifier);
     }
     const QString text = pdfText(pdf);
-    EXPECT_TRUE(text.contains(QStringLiteral("СПРАВКА ЗА ПРИХОДИТЕ И РАЗХОДИТЕ ОТ"))) << text.left(400).toStdString();
+    EXPECT_TRUE(text.contains(QStringLiteral("СПРАВКА ЗА ПРИХОДИТЕ И РАЗХОДИТЕ ОТ")))
+        << text.left(400).toStdString();
     EXPECT_TRUE(text.contains(cell(0, 3))) << cell(0, 3).toStdString();
 }
 
@@ -253,7 +257,8 @@ TEST_F(DialogsAsUsed, F7OpensTheEditorInTheChosenCategoryAndSaveAndNewOpensTheNe
     EXPECT_EQ(m_frame->document().operationCount(), before + 1);
     EXPECT_EQ(cell(0, kColDescription), QStringLiteral("Хляб"));
     EXPECT_EQ(cell(0, kColAmount), QStringLiteral("2.40"));
-    EXPECT_TRUE(cell(0, kColCategory).endsWith(leaf->text(0))) << cell(0, kColCategory).toStdString();
+    EXPECT_TRUE(cell(0, kColCategory).endsWith(leaf->text(0)))
+        << cell(0, kColCategory).toStdString();
 }
 
 TEST_F(DialogsAsUsed, TheTypeOfANewOperationIsChosenWithTheArrowKeys)
@@ -271,7 +276,8 @@ TEST_F(DialogsAsUsed, TheTypeOfANewOperationIsChosenWithTheArrowKeys)
         user::press(d, Qt::Key_Backtab, Qt::ShiftModifier);
         auto* focused = qobject_cast<QRadioButton*>(QApplication::focusWidget());
         ASSERT_TRUE(focused == income || focused == expense);
-        EXPECT_TRUE(focused->isChecked()) << focused->text().toStdString() << " has the focus but is not chosen";
+        EXPECT_TRUE(focused->isChecked())
+            << focused->text().toStdString() << " has the focus but is not chosen";
         openedAsIncome = income->isChecked();
         user::press(d, openedAsIncome ? Qt::Key_Right : Qt::Key_Left);
         EXPECT_NE(income->isChecked(), openedAsIncome);

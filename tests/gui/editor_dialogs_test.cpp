@@ -35,7 +35,8 @@ protected:
 
     static QTreeWidgetItem* itemNamed(QTreeWidget* tree, const QString& text)
     {
-        const QList<QTreeWidgetItem*> found = tree->findItems(text, Qt::MatchExactly | Qt::MatchRecursive, 0);
+        const QList<QTreeWidgetItem*> found =
+            tree->findItems(text, Qt::MatchExactly | Qt::MatchRecursive, 0);
         return found.isEmpty() ? nullptr : found.first();
     }
 };
@@ -44,10 +45,12 @@ TEST_F(EditorDialogsTest, AThreePaymentOperationIsEnteredChangedAndTrimmedBefore
 {
     // The rate last used, as an earlier session left it.
     Settings(m_store).setLastFixing("EUR", 1.95583);
-    const QStringList suggestLast = {QStringLiteral("Настройки"),
-                                     QStringLiteral("Автоматично предлагай последния използван курс")};
-    const QStringList askForRate = {QStringLiteral("Настройки"),
-                                    QStringLiteral("Питай ме за потвърждение при всяка нова операция")};
+    const QStringList suggestLast = {
+        QStringLiteral("Настройки"),
+        QStringLiteral("Автоматично предлагай последния използван курс")};
+    const QStringList askForRate = {
+        QStringLiteral("Настройки"),
+        QStringLiteral("Питай ме за потвърждение при всяка нова операция")};
     user::chooseMenu(m_frame.get(), suggestLast);
     user::chooseMenu(m_frame.get(), askForRate);
     EXPECT_TRUE(user::lookAtMenu(m_frame.get(), suggestLast)->isChecked());
@@ -135,7 +138,8 @@ TEST_F(EditorDialogsTest, AThreePaymentOperationIsEnteredChangedAndTrimmedBefore
     user::ExpectDialog again([](QDialog* d) {
         EXPECT_EQ(user::child<QTreeWidget>(d, "payments")->topLevelItemCount(), 2);
         EXPECT_FALSE(user::button(d, QStringLiteral("съхрани и добави нова"))->isVisible());
-        EXPECT_EQ(user::child<QLineEdit>(d, "description")->text(), QStringLiteral("Почивка в Гърция"));
+        EXPECT_EQ(user::child<QLineEdit>(d, "description")->text(),
+                  QStringLiteral("Почивка в Гърция"));
         QTest::keyClick(d, Qt::Key_Escape);
     });
     user::doubleClickIndex(table(), table()->model()->index(0, 3));
@@ -280,7 +284,8 @@ TEST_F(EditorDialogsTest, HelpOpensAtItsTopics)
     QPointer<HelpWindow> help = helpWindowOf(m_frame.get());
     ASSERT_NE(help, nullptr);
     EXPECT_EQ(helpTopicOf(m_frame.get()), QStringLiteral("index.htm"));
-    user::chooseMenu(m_frame.get(), {QStringLiteral("Помощ"), QStringLiteral("По-ефективна работа с продукта ...")});
+    user::chooseMenu(m_frame.get(), {QStringLiteral("Помощ"),
+                                     QStringLiteral("По-ефективна работа с продукта ...")});
     EXPECT_EQ(helpTopicOf(m_frame.get()), QStringLiteral("efective.htm"));
     user::click(user::button(help, QStringLiteral("Съдържание")));
     EXPECT_EQ(helpTopicOf(m_frame.get()), QStringLiteral("index.htm"));
@@ -319,14 +324,16 @@ TEST_F(EditorDialogsTest, HelpOpensAtItsTopics)
         EXPECT_EQ(help->currentTopic(), QString::fromLatin1(topic)) << topic;
     }
     const QRegularExpression link(QStringLiteral("href=\"([^\"]+)\""));
-    for (const QString& page : QDir(QStringLiteral(":/help")).entryList({QStringLiteral("*.htm")})) {
+    for (const QString& page :
+         QDir(QStringLiteral(":/help")).entryList({QStringLiteral("*.htm")})) {
         QFile file(QStringLiteral(":/help/") + page);
         ASSERT_TRUE(file.open(QIODevice::ReadOnly));
         const QString html = QString::fromUtf8(file.readAll());
         EXPECT_TRUE(html.contains(QStringLiteral("<h1>"))) << page.toStdString();
         for (auto it = link.globalMatch(html); it.hasNext();) {
             const QString target = it.next().captured(1);
-            EXPECT_TRUE(QFile::exists(QStringLiteral(":/help/") + target)) << page.toStdString() << " -> " << target.toStdString();
+            EXPECT_TRUE(QFile::exists(QStringLiteral(":/help/") + target))
+                << page.toStdString() << " -> " << target.toStdString();
         }
     }
     user::click(user::button(help, QStringLiteral("Затвори")));

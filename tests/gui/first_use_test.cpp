@@ -41,7 +41,8 @@ protected:
         if (auto* b = qobject_cast<QAbstractButton*>(w)) {
             return user::shown(b->text());
         }
-        return w->objectName().isEmpty() ? QString::fromLatin1(w->metaObject()->className()) : w->objectName();
+        return w->objectName().isEmpty() ? QString::fromLatin1(w->metaObject()->className())
+                                         : w->objectName();
     }
 };
 
@@ -50,7 +51,8 @@ TEST_F(FirstUseTest, TabWalksThePanelInItsOrderAndLeavesTheListInOneStep)
     start(200);
     // Alt and the underlined letter of "от:" reach the first date.
     user::pressLetter(m_frame.get(), QChar(0x0442) /* т */, Qt::AltModifier);
-    ASSERT_TRUE(QTest::qWaitFor([&] { return nameOf(focused()) == QStringLiteral("periodFrom"); }, 1000))
+    ASSERT_TRUE(
+        QTest::qWaitFor([&] { return nameOf(focused()) == QStringLiteral("periodFrom"); }, 1000))
         << nameOf(focused()).toStdString();
     QWidget* from = focused();
 
@@ -62,11 +64,16 @@ TEST_F(FirstUseTest, TabWalksThePanelInItsOrderAndLeavesTheListInOneStep)
     // The second date, the currency, one stop for the paid choice, the panel's buttons, the
     // tree, the chosen categories and their switch (the buttons that act on a choice are off
     // with nothing chosen), then the list.
-    const QStringList expected = {QStringLiteral("periodTo"),       QStringLiteral("currencyFilter"),
-                                  QStringLiteral("всички операции"), QStringLiteral("без филтър"),
-                                  QStringLiteral("зареди"),          QStringLiteral("запиши"),
-                                  QStringLiteral("categoryTree"),     QStringLiteral("selectedCategories"),
-                                  QStringLiteral("включи и подкатегориите"), QStringLiteral("operationsList")};
+    const QStringList expected = {QStringLiteral("periodTo"),
+                                  QStringLiteral("currencyFilter"),
+                                  QStringLiteral("всички операции"),
+                                  QStringLiteral("без филтър"),
+                                  QStringLiteral("зареди"),
+                                  QStringLiteral("запиши"),
+                                  QStringLiteral("categoryTree"),
+                                  QStringLiteral("selectedCategories"),
+                                  QStringLiteral("включи и подкатегориите"),
+                                  QStringLiteral("operationsList")};
     EXPECT_EQ(walked, expected) << walked.join(QStringLiteral(" → ")).toStdString();
 
     // In the list the arrows move the row; one Tab leaves it, whatever the number of cells.
@@ -93,7 +100,8 @@ TEST_F(FirstUseTest, QtsOwnTextsAndTheCalendarAreBulgarian)
         ASSERT_EQ(QApplication::focusWidget(), date);
         user::press(d, Qt::Key_F4);
         QCalendarWidget* calendar = date->calendarWidget();
-        ASSERT_TRUE(QTest::qWaitFor([&] { return calendar->isVisible(); }, 1000)) << "the calendar did not open";
+        ASSERT_TRUE(QTest::qWaitFor([&] { return calendar->isVisible(); }, 1000))
+            << "the calendar did not open";
         auto* month = calendar->findChild<QToolButton*>(QStringLiteral("qt_calendar_monthbutton"));
         ASSERT_NE(month, nullptr);
         EXPECT_EQ(month->text().toLower(), QStringLiteral("ноември"));
@@ -114,7 +122,8 @@ TEST_F(FirstUseTest, QtsOwnTextsAndTheCalendarAreBulgarian)
     });
     (void)host.chooseOpenPath("Отваряне");
     files.verify();
-    EXPECT_TRUE(buttons.contains(QStringLiteral("Отказ"))) << buttons.join(QLatin1Char(',')).toStdString();
+    EXPECT_TRUE(buttons.contains(QStringLiteral("Отказ")))
+        << buttons.join(QLatin1Char(',')).toStdString();
     EXPECT_FALSE(buttons.contains(QStringLiteral("Cancel")));
 }
 
@@ -122,9 +131,12 @@ TEST_F(FirstUseTest, ANewLedgerIsUntitledAndItsSearchButtonIsOffWithTheMenuItem)
 {
     start(20);
     // The title a person sees: "[*]" is where the modified mark goes, not text.
-    const auto shownTitle = [&] { return m_frame->windowTitle().replace(QStringLiteral("[*]"), QString()); };
-    auto* search = m_frame->findChild<QToolBar*>(QStringLiteral("toolbar"))
-                       ->widgetForAction(m_frame->findChild<QAction*>(QStringLiteral("actionSearch")));
+    const auto shownTitle = [&] {
+        return m_frame->windowTitle().replace(QStringLiteral("[*]"), QString());
+    };
+    auto* search =
+        m_frame->findChild<QToolBar*>(QStringLiteral("toolbar"))
+            ->widgetForAction(m_frame->findChild<QAction*>(QStringLiteral("actionSearch")));
     ASSERT_NE(search, nullptr);
     EXPECT_TRUE(search->isEnabled());
     user::press(m_frame.get(), Qt::Key_N, Qt::ControlModifier);
@@ -155,16 +167,17 @@ TEST_F(FirstUseTest, TheMainWindowAndTheEditorsFitASmallScreenAtDoubleScale)
     const auto measure = [&](QDialog* d) {
         const QSize s = smallestSize(d);
         if (s.width() > kSmallScreen.width() || s.height() > kSmallScreen.height()) {
-            tooBig << QStringLiteral("%1 %2×%3").arg(d->windowTitle()).arg(s.width()).arg(s.height());
+            tooBig
+                << QStringLiteral("%1 %2×%3").arg(d->windowTitle()).arg(s.width()).arg(s.height());
         }
         d->reject();
     };
     const std::pair<int, Qt::KeyboardModifiers> keys[] = {
-        {Qt::Key_F8, Qt::NoModifier},               // the operation editor
-        {Qt::Key_F3, Qt::NoModifier},               // search
-        {Qt::Key_F3, Qt::ShiftModifier},            // the amount filter
-        {Qt::Key_F1, Qt::ControlModifier},          // currency cash
-        {Qt::Key_F2, Qt::ControlModifier},          // the categories
+        {Qt::Key_F8, Qt::NoModifier},      // the operation editor
+        {Qt::Key_F3, Qt::NoModifier},      // search
+        {Qt::Key_F3, Qt::ShiftModifier},   // the amount filter
+        {Qt::Key_F1, Qt::ControlModifier}, // currency cash
+        {Qt::Key_F2, Qt::ControlModifier}, // the categories
     };
     for (const auto& [key, modifiers] : keys) {
         user::ExpectDialog dialog(measure);
@@ -182,8 +195,10 @@ TEST_F(FirstUseTest, ALongReportShowsItsProgressAndStopsWhenCancelled)
     user::ExpectDialog progress([&](QDialog* d) {
         auto* bar = qobject_cast<QProgressDialog*>(d);
         ASSERT_NE(bar, nullptr) << d->windowTitle().toStdString();
-        EXPECT_TRUE(d->findChild<QLabel*>()->text().startsWith(QString::fromUtf8(ReportPrinter::kPreparingText)));
-        EXPECT_EQ(QGuiApplication::overrideCursor() ? QGuiApplication::overrideCursor()->shape() : Qt::ArrowCursor,
+        EXPECT_TRUE(d->findChild<QLabel*>()->text().startsWith(
+            QString::fromUtf8(ReportPrinter::kPreparingText)));
+        EXPECT_EQ(QGuiApplication::overrideCursor() ? QGuiApplication::overrideCursor()->shape()
+                                                    : Qt::ArrowCursor,
                   Qt::WaitCursor);
         planned = bar->maximum();
         preview.emplace([&](QDialog* p) {
@@ -195,7 +210,8 @@ TEST_F(FirstUseTest, ALongReportShowsItsProgressAndStopsWhenCancelled)
         });
         user::click(user::button(d, QStringLiteral("Отказ")));
     });
-    user::chooseMenu(m_frame.get(), {QStringLiteral("Файл"), QStringLiteral("Предпечатен изглед на справката ...")});
+    user::chooseMenu(m_frame.get(), {QStringLiteral("Файл"),
+                                     QStringLiteral("Предпечатен изглед на справката ...")});
     progress.verify();
     ASSERT_TRUE(preview.has_value());
     preview->verify();
@@ -208,7 +224,8 @@ TEST_F(FirstUseTest, AnOperationSavedOutsideTheShownPeriodIsToldInTheStatusBar)
     start(200);
     const std::size_t shownBefore = m_frame->view().list().rowCount();
     user::ExpectDialog editor([&](QDialog* d) {
-        user::type(d->findChild<QLineEdit*>(QStringLiteral("description")), QStringLiteral("Стара сметка"));
+        user::type(d->findChild<QLineEdit*>(QStringLiteral("description")),
+                   QStringLiteral("Стара сметка"));
         chooseFirstCategory(d);
         // A year long before the shown period, typed day by day into the date.
         // Back from the description past the type choice into the date, whose year that selects.

@@ -20,9 +20,8 @@
 #include <QTableView>
 #include <QTemporaryDir>
 #include <QTreeWidget>
-#include <gtest/gtest.h>
-
 #include <deque>
+#include <gtest/gtest.h>
 #include <sstream>
 
 using namespace finora;
@@ -44,7 +43,8 @@ protected:
         EXPECT_EQ(m_frame->document().path(), m_first.toStdString());
         user::press(m_frame.get(), Qt::Key_S, Qt::ControlModifier);
         // The backup is written beside, on its own thread, and appears whole.
-        EXPECT_TRUE(QTest::qWaitFor([&] { return QFile::exists(m_first + QStringLiteral(".bak")); }, 5000));
+        EXPECT_TRUE(
+            QTest::qWaitFor([&] { return QFile::exists(m_first + QStringLiteral(".bak")); }, 5000));
         m_ledgerBefore = bytesOf(m_first);
         m_backupBefore = bytesOf(m_first + QStringLiteral(".bak"));
         EXPECT_FALSE(m_backupBefore.empty());
@@ -71,7 +71,8 @@ protected:
     {
         EXPECT_EQ(m_frame->document().path(), "");
         EXPECT_EQ(m_frame->document().operationCount(), 0u);
-        EXPECT_TRUE(m_frame->windowTitle().startsWith(QStringLiteral("Без име"))) << m_frame->windowTitle().toStdString();
+        EXPECT_TRUE(m_frame->windowTitle().startsWith(QStringLiteral("Без име")))
+            << m_frame->windowTitle().toStdString();
         EXPECT_EQ(m_frame->view().table()->model()->rowCount(), 0);
         // Ctrl+S asks for a name (cancelled here) instead of writing over the first ledger.
         const int dialogs = m_host.dialogs;
@@ -163,14 +164,16 @@ TEST_F(LedgerSafetyTest, TheListPaintedUnderAMessageHalfWayThroughACommandShowsN
     const QString other = file("друг.fnr");
     writeFile(other.toStdString(), serializeLedger(generateLedger(40, 9)));
     host.openPaths = {other.toStdString()};
-    user::chooseMenu(frame.get(), {QStringLiteral("Файл"), QStringLiteral("Импортиране на данни от друг документ ...")});
+    user::chooseMenu(frame.get(), {QStringLiteral("Файл"),
+                                   QStringLiteral("Импортиране на данни от друг документ ...")});
     user::click(user::button(frame.get(), QStringLiteral("без филтър")));
     ASSERT_GT(table->model()->rowCount(), 5);
     seen.clear();
     host.whileOpen = [&] { seen = visibleDescriptions(table); };
     table->setFocus();
     user::press(frame.get(), Qt::Key_A, Qt::ControlModifier);
-    user::chooseMenu(frame.get(), {QStringLiteral("Редакция"), QStringLiteral("Изтрий маркираните")});
+    user::chooseMenu(frame.get(),
+                     {QStringLiteral("Редакция"), QStringLiteral("Изтрий маркираните")});
     EXPECT_EQ(frame->document().operationCount(), 0u);
     ASSERT_FALSE(seen.isEmpty());
     for (const QString& text : seen) {
@@ -274,7 +277,8 @@ TEST_F(LedgerSafetyTest, ImportNeverTouchesTheOpenLedgersPath)
 {
     const QString bad = corruptFile();
     m_host.openPaths = {bad.toStdString()};
-    user::chooseMenu(m_frame.get(), {QStringLiteral("Файл"), QStringLiteral("Импортиране на данни от друг документ ...")});
+    user::chooseMenu(m_frame.get(), {QStringLiteral("Файл"),
+                                     QStringLiteral("Импортиране на данни от друг документ ...")});
     EXPECT_EQ(m_host.openCaptions.back(), "Импортиране на данни от друг документ");
     EXPECT_EQ(m_prompter.messages().back().icon, MessageIcon::Error);
     EXPECT_EQ(m_frame->document().path(), m_first.toStdString());
@@ -284,7 +288,8 @@ TEST_F(LedgerSafetyTest, ImportNeverTouchesTheOpenLedgersPath)
     const QString other = file("друг.fnr");
     writeFile(other.toStdString(), serializeLedger(generateLedger(30, 8)));
     m_host.openPaths = {other.toStdString()};
-    user::chooseMenu(m_frame.get(), {QStringLiteral("Файл"), QStringLiteral("Импортиране на данни от друг документ ...")});
+    user::chooseMenu(m_frame.get(), {QStringLiteral("Файл"),
+                                     QStringLiteral("Импортиране на данни от друг документ ...")});
     EXPECT_EQ(m_frame->document().path(), m_first.toStdString());
     EXPECT_GT(m_frame->document().operationCount(), 500u);
     expectFirstLedgerWhole(); // nothing written until the user saves
@@ -318,11 +323,13 @@ TEST_F(LedgerSafetyTest, ASecondWindowIsWarnedAndItsReadOnlyCopyCannotSaveOverTh
     second->view().table()->setFocus();
     user::press(second.get(), Qt::Key_A, Qt::ControlModifier);
     prompter2.queue(Answer::Yes); // the delete question
-    user::chooseMenu(second.get(), {QStringLiteral("Редакция"), QStringLiteral("Изтрий маркираните")});
+    user::chooseMenu(second.get(),
+                     {QStringLiteral("Редакция"), QStringLiteral("Изтрий маркираните")});
     EXPECT_EQ(second->document().operationCount(), 0u);
     prompter2.queue(Answer::No);
     user::press(second.get(), Qt::Key_S, Qt::ControlModifier);
-    EXPECT_EQ(prompter2.messages().back().text, DocumentStorage::readOnlyDocumentText(m_first.toStdString()));
+    EXPECT_EQ(prompter2.messages().back().text,
+              DocumentStorage::readOnlyDocumentText(m_first.toStdString()));
     expectFirstLedgerWhole();
 
     // Closing the first window lets the ledger go.
@@ -337,7 +344,8 @@ TEST_F(LedgerSafetyTest, ALedgerChangedByTheCommandLineIsNotSavedOverSilently)
     // The user changes the open ledger...
     m_frame->view().table()->setFocus();
     user::press(m_frame.get(), Qt::Key_A, Qt::ControlModifier);
-    user::chooseMenu(m_frame.get(), {QStringLiteral("Редакция"), QStringLiteral("Установи маркираните записи като изплатени")});
+    user::chooseMenu(m_frame.get(), {QStringLiteral("Редакция"),
+                                     QStringLiteral("Установи маркираните записи като изплатени")});
     ASSERT_TRUE(m_frame->document().isModified());
 
     // ...while a script imports into it; without --force it is refused, with it it writes.
@@ -345,9 +353,13 @@ TEST_F(LedgerSafetyTest, ALedgerChangedByTheCommandLineIsNotSavedOverSilently)
     writeFile(other.toStdString(), serializeLedger(generateLedger(40, 9)));
     MemorySettingsStore cliOptions;
     std::ostringstream out, err;
-    EXPECT_EQ(cli::run({"import", m_first.toStdString(), other.toStdString()}, out, err, cliOptions), cli::kHeld);
+    EXPECT_EQ(
+        cli::run({"import", m_first.toStdString(), other.toStdString()}, out, err, cliOptions),
+        cli::kHeld);
     expectFirstLedgerWhole();
-    EXPECT_EQ(cli::run({"import", m_first.toStdString(), other.toStdString(), "--force"}, out, err, cliOptions), 0);
+    EXPECT_EQ(cli::run({"import", m_first.toStdString(), other.toStdString(), "--force"}, out, err,
+                       cliOptions),
+              0);
     const std::string imported = bytesOf(m_first);
 
     // Ctrl+S asks; Cancel writes nothing and keeps the changes.
@@ -380,7 +392,10 @@ public:
         openPaths.pop_front();
         return p;
     }
-    std::optional<std::string> chooseExportPath(const ExportRequest&) override { return std::nullopt; }
+    std::optional<std::string> chooseExportPath(const ExportRequest&) override
+    {
+        return std::nullopt;
+    }
     void exitProgram(int status) override { real.exitProgram(status); }
 
     std::deque<std::string> openPaths;
@@ -422,5 +437,6 @@ TEST(ProgramExit, TheNewerFileExitFinishesTheBackupAlreadyQueued)
     EXPECT_EQ(prompter.messages().back().text, DocumentStorage::kNewerFileText);
     frame.reset(); // what returning from main() does
     EXPECT_EQ(bytesOf(big + QStringLiteral(".bak")), bytes);
-    EXPECT_FALSE(QFile::exists(QString::fromStdString(pathToUtf8(LedgerLock::lockPathFor(big.toStdString())))));
+    EXPECT_FALSE(QFile::exists(
+        QString::fromStdString(pathToUtf8(LedgerLock::lockPathFor(big.toStdString())))));
 }

@@ -46,10 +46,12 @@ protected:
 TEST_F(MainFrameTest, OpensALedgerIntoTheList)
 {
     open();
-    QAbstractItemModelTester tester(table()->model(), QAbstractItemModelTester::FailureReportingMode::Fatal);
+    QAbstractItemModelTester tester(table()->model(),
+                                    QAbstractItemModelTester::FailureReportingMode::Fatal);
     EXPECT_EQ(shownRows(), 500);
     EXPECT_EQ(table()->model()->columnCount(), 12);
-    EXPECT_EQ(table()->model()->headerData(3, Qt::Horizontal).toString(), QStringLiteral("описание"));
+    EXPECT_EQ(table()->model()->headerData(3, Qt::Horizontal).toString(),
+              QStringLiteral("описание"));
     // Newest entry of the ledger on top, the first one at the bottom, selected.
     EXPECT_EQ(cell(0, 0), QStringLiteral("500"));
     EXPECT_EQ(cell(499, 0), QStringLiteral("1"));
@@ -60,7 +62,8 @@ TEST_F(MainFrameTest, OpensALedgerIntoTheList)
     const auto* income = user::child<QLabel>(m_frame.get(), "income");
     ASSERT_NE(income, nullptr);
     EXPECT_TRUE(income->text().endsWith(QStringLiteral(" BGL")));
-    EXPECT_EQ(income->text().toStdString(), cp1251::toUtf8(m_frame->view().list().totals().incomeText()));
+    EXPECT_EQ(income->text().toStdString(),
+              cp1251::toUtf8(m_frame->view().list().totals().incomeText()));
     EXPECT_TRUE(m_frame->windowTitle().startsWith(QStringLiteral("дом.fnr")));
     EXPECT_TRUE(m_prompter.messages().empty());
 }
@@ -70,12 +73,15 @@ TEST_F(MainFrameTest, DeletesTheSelectedRowsAfterAskingAndSaves)
     open();
     user::clickIndex(table(), table()->model()->index(0, 3));
     const QString clicked = cell(0, 0);
-    EXPECT_TRUE(user::lookAtMenu(m_frame.get(), {QStringLiteral("Редакция"), QStringLiteral("Изтрий маркираните")})
+    EXPECT_TRUE(user::lookAtMenu(m_frame.get(),
+                                 {QStringLiteral("Редакция"), QStringLiteral("Изтрий маркираните")})
                     ->isEnabled());
     m_prompter.queue(Answer::No);
-    user::chooseMenu(m_frame.get(), {QStringLiteral("Редакция"), QStringLiteral("Изтрий маркираните")});
+    user::chooseMenu(m_frame.get(),
+                     {QStringLiteral("Редакция"), QStringLiteral("Изтрий маркираните")});
     EXPECT_EQ(shownRows(), 500);
-    user::chooseMenu(m_frame.get(), {QStringLiteral("Редакция"), QStringLiteral("Изтрий маркираните")});
+    user::chooseMenu(m_frame.get(),
+                     {QStringLiteral("Редакция"), QStringLiteral("Изтрий маркираните")});
     EXPECT_EQ(m_frame->document().operationCount(), 499u);
     EXPECT_EQ(shownRows(), 499);
     EXPECT_NE(cell(0, 0), clicked);
@@ -92,8 +98,8 @@ TEST_F(MainFrameTest, ClosingAModifiedLedgerAsksAndCancelKeepsItOpen)
     open();
     user::clickIndex(table(), table()->model()->index(0, 3));
     user::press(m_frame.get(), Qt::Key_A, Qt::ControlModifier);
-    user::chooseMenu(m_frame.get(),
-                     {QStringLiteral("Редакция"), QStringLiteral("Установи маркираните записи като изплатени")});
+    user::chooseMenu(m_frame.get(), {QStringLiteral("Редакция"),
+                                     QStringLiteral("Установи маркираните записи като изплатени")});
     EXPECT_TRUE(m_frame->isWindowModified());
     m_prompter.queue(Answer::Cancel);
     user::chooseMenu(m_frame.get(), {QStringLiteral("Файл"), QStringLiteral("Изход")});
@@ -124,8 +130,9 @@ TEST_F(MainFrameTest, TheFilterPanelNarrowsTheList)
     // F2 with nothing chosen in the tree says so.
     user::press(m_frame.get(), Qt::Key_F2);
     ASSERT_FALSE(m_prompter.messages().empty());
-    EXPECT_EQ(lastMessage(), (Message{"Липсва селекция", "Не сте избрали категория от списъка на категориите!",
-                                      MessageIcon::Error, MessageButtons::Ok}));
+    EXPECT_EQ(lastMessage(),
+              (Message{"Липсва селекция", "Не сте избрали категория от списъка на категориите!",
+                       MessageIcon::Error, MessageButtons::Ok}));
 
     // A top-level category holds no entries of its own in a generated ledger...
     QTreeWidgetItem* top = tree->topLevelItem(0);
@@ -147,7 +154,8 @@ TEST_F(MainFrameTest, TheFilterPanelNarrowsTheList)
         parents << top->child(c)->text(0);
     }
     for (int r = 0; r < shown; ++r) {
-        EXPECT_TRUE(parents.contains(cell(r, 5).section(QStringLiteral(" :: "), 0, 0))) << cell(r, 5).toStdString();
+        EXPECT_TRUE(parents.contains(cell(r, 5).section(QStringLiteral(" :: "), 0, 0)))
+            << cell(r, 5).toStdString();
     }
 
     // Emptying the chosen categories shows every entry again.
@@ -160,7 +168,8 @@ TEST_F(MainFrameTest, TheFilterPanelNarrowsTheList)
 
 TEST_F(MainFrameTest, StartUpReopensTheLastLedgerAndShowsTodayWhenAsked)
 {
-    const QStringList autoOpen = settingsMenu("Отваряй последния използван документ при стартиране");
+    const QStringList autoOpen =
+        settingsMenu("Отваряй последния използван документ при стартиране");
     const QStringList showToday = settingsMenu("Показвай днешните операции при отваряне");
     EXPECT_FALSE(user::lookAtMenu(m_frame.get(), autoOpen)->isChecked());
     user::chooseMenu(m_frame.get(), autoOpen);
@@ -173,7 +182,8 @@ TEST_F(MainFrameTest, StartUpReopensTheLastLedgerAndShowsTodayWhenAsked)
 
     open();
     EXPECT_EQ(m_store.readText("Settings", "LastFileUsed", ""), m_file.toStdString());
-    EXPECT_EQ(user::menuTexts(m_frame.get(), {QStringLiteral("Файл"), QStringLiteral("Последно отваряни")}),
+    EXPECT_EQ(user::menuTexts(m_frame.get(),
+                              {QStringLiteral("Файл"), QStringLiteral("Последно отваряни")}),
               QStringList{QStringLiteral("1 ") + m_file});
 
     user::chooseMenu(m_frame.get(), showToday);
@@ -190,7 +200,8 @@ TEST_F(MainFrameTest, StartUpReopensTheLastLedgerAndShowsTodayWhenAsked)
     EXPECT_EQ(user::child<QDateEdit>(other.get(), "periodTo")->date(), day);
 
     // A file that cannot be opened on the command line ends start-up.
-    EXPECT_FALSE(other->startUp({QStringLiteral("finora"), m_dir.filePath(QStringLiteral("няма.fnr"))}));
+    EXPECT_FALSE(
+        other->startUp({QStringLiteral("finora"), m_dir.filePath(QStringLiteral("няма.fnr"))}));
 }
 
 TEST_F(MainFrameTest, RecentFilesKeepTheLatestFourWithoutRepeats)
@@ -205,7 +216,8 @@ TEST_F(MainFrameTest, RecentFilesKeepTheLatestFourWithoutRepeats)
     }
     const QStringList recent = {QStringLiteral("Файл"), QStringLiteral("Последно отваряни")};
     // The third of the menu is opened from it again, and goes to the top.
-    user::chooseMenu(m_frame.get(), {recent.at(0), recent.at(1), QStringLiteral("3 ") + made.at(2)});
+    user::chooseMenu(m_frame.get(),
+                     {recent.at(0), recent.at(1), QStringLiteral("3 ") + made.at(2)});
     EXPECT_EQ(m_frame->document().path(), made.at(2).toStdString());
     EXPECT_EQ(user::menuTexts(m_frame.get(), recent),
               (QStringList{QStringLiteral("1 ") + made.at(2), QStringLiteral("2 ") + made.at(0),
@@ -219,8 +231,8 @@ TEST_F(MainFrameTest, TheCalculatorCommandSaysWhenThereIsNone)
     user::press(m_frame.get(), Qt::Key_F9);
     qputenv("PATH", path);
     ASSERT_FALSE(m_prompter.messages().empty());
-    EXPECT_EQ(lastMessage(), (Message{"Липсваща програма", CMainFrame::kCalculatorMissingText, MessageIcon::Error,
-                                      MessageButtons::Ok}));
+    EXPECT_EQ(lastMessage(), (Message{"Липсваща програма", CMainFrame::kCalculatorMissingText,
+                                      MessageIcon::Error, MessageButtons::Ok}));
 }
 
 namespace {
@@ -271,7 +283,8 @@ TEST_F(MainFrameTest, SearchAndProtectionThroughTheirDialogs)
     EXPECT_TRUE(m_frame->document().isLocked());
     EXPECT_EQ(shownRows(), 0);
     EXPECT_TRUE(user::lookAtMenu(m_frame.get(), settingsMenu("Временно отключване"))->isEnabled());
-    EXPECT_NE(user::lookAtMenu(m_frame.get(), settingsMenu("Премахване на постоянната защита")), nullptr);
+    EXPECT_NE(user::lookAtMenu(m_frame.get(), settingsMenu("Премахване на постоянната защита")),
+              nullptr);
 
     user::ExpectDialog unlock([](QDialog* d) {
         EXPECT_EQ(d->windowTitle(), QStringLiteral("Отключване"));
@@ -296,7 +309,8 @@ TEST_F(MainFrameTest, TheBackupFolderIsChosenCheckedAndCreated)
     user::ExpectDialog choose([folder](QDialog* d) {
         EXPECT_EQ(d->windowTitle(), QStringLiteral("Изберете директория с двойно кликване ..."));
         user::retype(user::child<QLineEdit>(d, "folder"), folder);
-        user::click(user::button(d, QStringLiteral("Open"))); // the creation question is answered yes
+        user::click(
+            user::button(d, QStringLiteral("Open"))); // the creation question is answered yes
     });
     user::chooseMenu(m_frame.get(), ownFolder);
     choose.verify();
@@ -330,7 +344,8 @@ TEST_F(MainFrameTest, ToolbarAndACurrencyListThatFollowsTheLedger)
         }
     }
     EXPECT_EQ(buttons.size(), 8) << buttons.join(QLatin1Char(',')).toStdString();
-    EXPECT_TRUE(buttons.contains(QStringLiteral("Опресни"))) << buttons.join(QLatin1Char(',')).toStdString();
+    EXPECT_TRUE(buttons.contains(QStringLiteral("Опресни")))
+        << buttons.join(QLatin1Char(',')).toStdString();
 
     auto* currency = user::child<QComboBox>(m_frame.get(), "currencyFilter");
     ASSERT_NE(currency, nullptr);
@@ -347,8 +362,10 @@ TEST_F(MainFrameTest, ToolbarAndACurrencyListThatFollowsTheLedger)
         offered << currency->view()->model()->index(r, 0).data().toString();
     }
     QTest::keyClick(currency->view(), Qt::Key_Escape);
-    EXPECT_TRUE(offered.contains(QStringLiteral("CHF"))) << offered.join(QLatin1Char(',')).toStdString();
-    EXPECT_EQ(currency->currentText(), QStringLiteral(":: ВСИЧКИ ВАЛУТИ В BGL ::")); // refilling did not change the choice
+    EXPECT_TRUE(offered.contains(QStringLiteral("CHF")))
+        << offered.join(QLatin1Char(',')).toStdString();
+    EXPECT_EQ(currency->currentText(),
+              QStringLiteral(":: ВСИЧКИ ВАЛУТИ В BGL ::")); // refilling did not change the choice
     EXPECT_EQ(shownRows(), 500);
 }
 
@@ -364,7 +381,8 @@ std::vector<QStringList> parseCsv(const QString& text)
     for (qsizetype i = 0; i < text.size(); ++i) {
         const QChar c = text.at(i);
         if (quoted) {
-            if (c == QLatin1Char('"') && i + 1 < text.size() && text.at(i + 1) == QLatin1Char('"')) {
+            if (c == QLatin1Char('"') && i + 1 < text.size() &&
+                text.at(i + 1) == QLatin1Char('"')) {
                 field += c;
                 ++i;
             } else if (c == QLatin1Char('"')) {
@@ -377,7 +395,8 @@ std::vector<QStringList> parseCsv(const QString& text)
         } else if (c == QLatin1Char(',')) {
             record << field;
             field.clear();
-        } else if (c == QLatin1Char('\r') && i + 1 < text.size() && text.at(i + 1) == QLatin1Char('\n')) {
+        } else if (c == QLatin1Char('\r') && i + 1 < text.size() &&
+                   text.at(i + 1) == QLatin1Char('\n')) {
             record << field;
             field.clear();
             records.push_back(record);
@@ -397,7 +416,8 @@ TEST_F(MainFrameTest, TheShownListIsWrittenAsCsvAfterASearchThatKeepsOnlyMatches
 {
     open();
     user::chooseMenu(m_frame.get(),
-                     {QStringLiteral("Настройки"), QStringLiteral("Визуализирани полета"), QStringLiteral("Забележки")});
+                     {QStringLiteral("Настройки"), QStringLiteral("Визуализирани полета"),
+                      QStringLiteral("Забележки")});
     user::clickIndex(table(), table()->model()->index(0, 3));
 
     // F3, the word typed key by key, "описание" and "show only the matching rows" clicked, Enter.
@@ -419,7 +439,8 @@ TEST_F(MainFrameTest, TheShownListIsWrittenAsCsvAfterASearchThatKeepsOnlyMatches
     // Файл, then "Запиши списъка като CSV ...", with the mouse.
     const QString csvPath = m_dir.filePath(QStringLiteral("пазар"));
     m_host.exportPaths.push_back(csvPath.toStdString());
-    user::chooseMenu(m_frame.get(), {QStringLiteral("Файл"), QStringLiteral("Запиши списъка като CSV ...")});
+    user::chooseMenu(m_frame.get(),
+                     {QStringLiteral("Файл"), QStringLiteral("Запиши списъка като CSV ...")});
 
     ASSERT_EQ(m_host.exportRequests.size(), 1u);
     EXPECT_EQ(m_host.exportRequests[0].filter, "CSV (*.csv)");
@@ -480,23 +501,27 @@ TEST_F(MainFrameTest, TheAboutBoxEndsTheHelpMenuWithVersionLicenceAndQt)
 
 TEST_F(MainFrameTest, AFilterFileOnTheCommandLineFiltersTheLedgerThatOpensAnyway)
 {
-    user::chooseMenu(m_frame.get(), settingsMenu("Отваряй последния използван документ при стартиране"));
+    user::chooseMenu(m_frame.get(),
+                     settingsMenu("Отваряй последния използван документ при стартиране"));
     open();
     // Incomes only, kept in a filter file with the panel's "запиши".
-    user::pickFromList(user::child<QComboBox>(m_frame.get(), "typeFilter"), QStringLiteral("приходи"));
+    user::pickFromList(user::child<QComboBox>(m_frame.get(), "typeFilter"),
+                       QStringLiteral("приходи"));
     const QString filter = m_dir.filePath(QStringLiteral("приходи.ffl"));
     user::ExpectDialog saveAs([&](QDialog* d) { user::answerFileDialog(d, filter); });
     user::click(user::button(m_frame.get(), QStringLiteral("запиши")));
     saveAs.verify();
     ASSERT_TRUE(QFile::exists(filter));
-    user::press(m_frame.get(), Qt::Key_N, Qt::ControlModifier); // a second window would be told the ledger is open here
+    user::press(m_frame.get(), Qt::Key_N,
+                Qt::ControlModifier); // a second window would be told the ledger is open here
     ASSERT_EQ(m_frame->document().path(), "");
 
     // The desktop hands the file to the program on its command line: no widget leads there.
     auto other = std::make_unique<CMainFrame>(m_store, m_prompter, m_host, m_clock);
     EXPECT_TRUE(other->startUp({QStringLiteral("finora"), filter}));
     EXPECT_TRUE(other->windowTitle().startsWith(QStringLiteral("дом.fnr")));
-    EXPECT_EQ(user::child<QComboBox>(other.get(), "typeFilter")->currentText(), QStringLiteral("приходи"));
+    EXPECT_EQ(user::child<QComboBox>(other.get(), "typeFilter")->currentText(),
+              QStringLiteral("приходи"));
     const QAbstractItemModel* list = other->view().table()->model();
     ASSERT_GT(list->rowCount(), 0);
     EXPECT_LT(list->rowCount(), 500);

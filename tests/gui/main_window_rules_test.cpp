@@ -28,7 +28,10 @@ class MainWindowRules : public DesktopSession {
 protected:
     MainWindowRules() { openGenerated(QStringLiteral("правила.fnr"), 300, 7); }
 
-    QAction* item(const char* name) { return m_frame->findChild<QAction*>(QString::fromLatin1(name)); }
+    QAction* item(const char* name)
+    {
+        return m_frame->findChild<QAction*>(QString::fromLatin1(name));
+    }
     // The check marks a user sees in a submenu of "Настройки".
     QStringList checkedIn(const char* menuName)
     {
@@ -49,7 +52,8 @@ protected:
     void pickInTree(int row)
     {
         QTreeWidgetItem* it = tree()->topLevelItem(row);
-        QTest::mouseClick(tree()->viewport(), Qt::LeftButton, {}, tree()->visualItemRect(it).center());
+        QTest::mouseClick(tree()->viewport(), Qt::LeftButton, {},
+                          tree()->visualItemRect(it).center());
     }
     int chosenInTree()
     {
@@ -65,8 +69,9 @@ TEST_F(MainWindowRules, TheNewOperationTypeAndTheDoubleClickChoiceAreSubmenusChe
     EXPECT_EQ(checkedIn("menuDoubleClick"),
               QStringList{QStringLiteral("Добавяй категорията в списъка на избраните категории")});
 
-    user::chooseMenu(m_frame.get(), {QStringLiteral("Настройки"), QStringLiteral("Тип на новата операция"),
-                                     QStringLiteral("Разход")});
+    user::chooseMenu(m_frame.get(),
+                     {QStringLiteral("Настройки"), QStringLiteral("Тип на новата операция"),
+                      QStringLiteral("Разход")});
     EXPECT_EQ(m_store.readInt("Settings", "OpType", -1), 1);
     EXPECT_EQ(checkedIn("menuOpType"), QStringList{QStringLiteral("Разход")});
     user::ExpectDialog editor([](QDialog* d) {
@@ -76,19 +81,24 @@ TEST_F(MainWindowRules, TheNewOperationTypeAndTheDoubleClickChoiceAreSubmenusChe
                 checked << b->text();
             }
         }
-        EXPECT_TRUE(checked.contains(QStringLiteral("разход"))) << checked.join(QLatin1Char(',')).toStdString();
+        EXPECT_TRUE(checked.contains(QStringLiteral("разход")))
+            << checked.join(QLatin1Char(',')).toStdString();
         QTest::keyClick(d, Qt::Key_Escape);
     });
     user::press(m_frame.get(), Qt::Key_F8);
     editor.verify();
 
-    user::chooseMenu(m_frame.get(), {QStringLiteral("Настройки"), QStringLiteral("При двойно кликване на категория ..."),
+    user::chooseMenu(m_frame.get(), {QStringLiteral("Настройки"),
+                                     QStringLiteral("При двойно кликване на категория ..."),
                                      QStringLiteral("Създавай нова операция в тази категория")});
     EXPECT_EQ(m_store.readInt("Settings", "AddOnDblClick", -1), 1);
     EXPECT_EQ(m_store.readInt("Settings", "FilterOnDblClick", -1), 0);
-    EXPECT_EQ(checkedIn("menuDoubleClick"), QStringList{QStringLiteral("Създавай нова операция в тази категория")});
-    user::chooseMenu(m_frame.get(), {QStringLiteral("Настройки"), QStringLiteral("При двойно кликване на категория ..."),
-                                     QStringLiteral("Добавяй категорията в списъка на избраните категории")});
+    EXPECT_EQ(checkedIn("menuDoubleClick"),
+              QStringList{QStringLiteral("Създавай нова операция в тази категория")});
+    user::chooseMenu(m_frame.get(),
+                     {QStringLiteral("Настройки"),
+                      QStringLiteral("При двойно кликване на категория ..."),
+                      QStringLiteral("Добавяй категорията в списъка на избраните категории")});
     EXPECT_EQ(m_store.readInt("Settings", "AddOnDblClick", -1), 0);
     EXPECT_EQ(checkedIn("menuDoubleClick"),
               QStringList{QStringLiteral("Добавяй категорията в списъка на избраните категории")});
@@ -110,7 +120,8 @@ TEST_F(MainWindowRules, TheFilterFileMenuItemsSaveAndLoadWhatThePanelShows)
     };
     {
         user::ExpectDialog save(name);
-        user::chooseMenu(m_frame.get(), {QStringLiteral("Файл"), QStringLiteral("Съхраняване на филтър във файл ...")});
+        user::chooseMenu(m_frame.get(), {QStringLiteral("Файл"),
+                                         QStringLiteral("Съхраняване на филтър във файл ...")});
     }
     ASSERT_TRUE(QFileInfo::exists(file));
 
@@ -118,7 +129,8 @@ TEST_F(MainWindowRules, TheFilterFileMenuItemsSaveAndLoadWhatThePanelShows)
     ASSERT_GT(m_frame->view().list().rowCount(), shown);
     {
         user::ExpectDialog load(name);
-        user::chooseMenu(m_frame.get(), {QStringLiteral("Файл"), QStringLiteral("Зареждане на филтър от файл ...")});
+        user::chooseMenu(m_frame.get(), {QStringLiteral("Файл"),
+                                         QStringLiteral("Зареждане на филтър от файл ...")});
     }
     auto* selected = m_frame->findChild<QTreeWidget*>(QStringLiteral("selectedCategories"));
     ASSERT_EQ(selected->topLevelItemCount(), 1);
@@ -135,13 +147,16 @@ TEST_F(MainWindowRules, ProtectingTheLedgerKeepsTheFilterAndTheTreeAndTodayLeave
     // Ctrl+D sets the period only: the category picked in the tree stays picked, and F7
     // still makes an entry in it.
     user::press(m_frame.get(), Qt::Key_D, Qt::ControlModifier);
-    EXPECT_EQ(m_frame->findChild<QDateEdit*>(QStringLiteral("periodFrom"))->text(), QStringLiteral("01-11-2026"));
+    EXPECT_EQ(m_frame->findChild<QDateEdit*>(QStringLiteral("periodFrom"))->text(),
+              QStringLiteral("01-11-2026"));
     EXPECT_EQ(chosenInTree(), 1);
     user::chooseMenu(m_frame.get(),
-                     {QStringLiteral("Настройки"), QStringLiteral("Включвай и подкатегориите при избор на категория")});
+                     {QStringLiteral("Настройки"),
+                      QStringLiteral("Включвай и подкатегориите при избор на категория")});
     EXPECT_EQ(chosenInTree(), 1);
     user::ExpectDialog editor([&](QDialog* d) {
-        EXPECT_EQ(d->findChild<QLabel*>(QStringLiteral("category"))->text(), tree()->topLevelItem(1)->text(0));
+        EXPECT_EQ(d->findChild<QLabel*>(QStringLiteral("category"))->text(),
+                  tree()->topLevelItem(1)->text(0));
         QTest::keyClick(d, Qt::Key_Escape);
     });
     user::press(m_frame.get(), Qt::Key_F7);
@@ -161,14 +176,16 @@ TEST_F(MainWindowRules, ProtectingTheLedgerKeepsTheFilterAndTheTreeAndTodayLeave
         }
         QTest::keyClick(d, Qt::Key_Return);
     });
-    user::chooseMenu(m_frame.get(), {QStringLiteral("Настройки"), QStringLiteral("Задаване на постоянна защита")});
+    user::chooseMenu(m_frame.get(),
+                     {QStringLiteral("Настройки"), QStringLiteral("Задаване на постоянна защита")});
     set.verify();
     EXPECT_EQ(m_frame->view().list().rowCount(), 0u); // locked
     user::ExpectDialog remove([](QDialog* d) {
         user::type(d->findChild<QLineEdit*>(), QStringLiteral("таен"));
         QTest::keyClick(d, Qt::Key_Return);
     });
-    user::chooseMenu(m_frame.get(), {QStringLiteral("Настройки"), QStringLiteral("Премахване на постоянната защита")});
+    user::chooseMenu(m_frame.get(), {QStringLiteral("Настройки"),
+                                     QStringLiteral("Премахване на постоянната защита")});
     remove.verify();
     EXPECT_EQ(m_frame->view().list().rowCount(), shown) << "the filter was reset";
     EXPECT_EQ(from->text(), period);
@@ -197,7 +214,8 @@ TEST_F(MainWindowRules, ARightClickAnywhereInTheViewOpensTheEditMenu)
         const QPoint at = place->rect().center();
         QContextMenuEvent event(QContextMenuEvent::Mouse, at, place->mapToGlobal(at));
         QApplication::sendEvent(place, &event);
-        EXPECT_TRUE(QTest::qWaitFor([&] { return shown; }, 1000)) << place->metaObject()->className();
+        EXPECT_TRUE(QTest::qWaitFor([&] { return shown; }, 1000))
+            << place->metaObject()->className();
     }
 }
 
@@ -211,7 +229,8 @@ TEST_F(MainWindowRules, APrintHonoursThePageRangeAndAnEmptyListMayBePrinted)
     printer.setFromTo(2, 3);
     ASSERT_GT(m_frame->view().list().rowCount(), 150u); // four pages and more
     EXPECT_EQ(m_frame->report().paint(printer, false), 2);
-    const QStringList pages = pdfText(printer.outputFileName()).split(QLatin1Char('\f'), Qt::SkipEmptyParts);
+    const QStringList pages =
+        pdfText(printer.outputFileName()).split(QLatin1Char('\f'), Qt::SkipEmptyParts);
     ASSERT_EQ(pages.size(), 2);
     EXPECT_TRUE(pages[0].contains(QStringLiteral("2/"))) << pages[0].right(80).toStdString();
     EXPECT_TRUE(pages[1].contains(QStringLiteral("3/")));
@@ -219,7 +238,8 @@ TEST_F(MainWindowRules, APrintHonoursThePageRangeAndAnEmptyListMayBePrinted)
     // An empty list: the print command stays on (it prints no page).
     m_frame->view().list().criteria().paidState = 1;
     user::click(user::button(m_frame.get(), QStringLiteral("без филтър")));
-    user::chooseMenu(m_frame.get(), {QStringLiteral("Редакция"), QStringLiteral("Изтрий всички визуализирани записи")});
+    user::chooseMenu(m_frame.get(), {QStringLiteral("Редакция"),
+                                     QStringLiteral("Изтрий всички визуализирани записи")});
     ASSERT_EQ(m_frame->view().list().rowCount(), 0u);
     user::chooseMenu(m_frame.get(), {QStringLiteral("Файл")});
     if (QWidget* open = QApplication::activePopupWidget()) {
@@ -260,7 +280,8 @@ TEST(CategoryTreeEmptySpace, ADoubleClickThereChoosesNoneOrChangesTheSelectedCat
     CategoryTreeDialog editor(doc, prompter, false);
     user::bringUp(&editor);
     tree = editor.findChild<QTreeWidget*>(QStringLiteral("categoryTree"));
-    QTreeWidgetItem* rent = tree->findItems(QStringLiteral("Rent"), Qt::MatchExactly | Qt::MatchRecursive).value(0);
+    QTreeWidgetItem* rent =
+        tree->findItems(QStringLiteral("Rent"), Qt::MatchExactly | Qt::MatchRecursive).value(0);
     ASSERT_NE(rent, nullptr);
     user::ExpectDialog change([](QDialog* d) {
         auto* name = d->findChild<QLineEdit*>();

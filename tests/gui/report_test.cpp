@@ -17,7 +17,10 @@ namespace {
 class Report : public DesktopSession {
 protected:
     Report() { m_clock.set(DateTime::fromParts(2026, 11, 21, 9, 5)); }
-    QString shownText(const char* label) { return user::child<QLabel>(m_frame.get(), label)->text(); }
+    QString shownText(const char* label)
+    {
+        return user::child<QLabel>(m_frame.get(), label)->text();
+    }
 };
 
 TEST_F(Report, AGeneratedListPrintsToAPdfWithTitleTotalsAndPageNumbers)
@@ -27,7 +30,8 @@ TEST_F(Report, AGeneratedListPrintsToAPdfWithTitleTotalsAndPageNumbers)
     ASSERT_GT(rows, 50);
     ASSERT_LE(rows, 100);
 
-    const QStringList exportPdf = {QStringLiteral("Файл"), QStringLiteral("Запиши справката като PDF ...")};
+    const QStringList exportPdf = {QStringLiteral("Файл"),
+                                   QStringLiteral("Запиши справката като PDF ...")};
     const QString path = m_dir.filePath(QStringLiteral("справка.pdf"));
     m_host.exportPaths.push_back(path.toStdString());
     user::chooseMenu(m_frame.get(), exportPdf);
@@ -48,7 +52,8 @@ TEST_F(Report, AGeneratedListPrintsToAPdfWithTitleTotalsAndPageNumbers)
     EXPECT_TRUE(pages[1].contains(QStringLiteral("файл: ") + m_file)) << pages[1].toStdString();
     // The totals as the window shows them under the list.
     for (const char* total : {"income", "expense", "balance"}) {
-        EXPECT_TRUE(pages[1].contains(shownText(total))) << total << ": " << shownText(total).toStdString();
+        EXPECT_TRUE(pages[1].contains(shownText(total)))
+            << total << ": " << shownText(total).toStdString();
     }
     EXPECT_TRUE(pages[1].contains(QStringLiteral("ПРИХОД:")));
     EXPECT_TRUE(pages[1].contains(QStringLiteral("БАЛАНС:")));
@@ -70,7 +75,8 @@ TEST_F(Report, ThePreviewShowsEveryPage)
         pages = widget->pageCount();
         QTest::keyClick(d, Qt::Key_Escape);
     });
-    user::chooseMenu(m_frame.get(), {QStringLiteral("Файл"), QStringLiteral("Предпечатен изглед на справката ...")});
+    user::chooseMenu(m_frame.get(), {QStringLiteral("Файл"),
+                                     QStringLiteral("Предпечатен изглед на справката ...")});
     preview.verify();
     EXPECT_EQ(pages, (rows + 49) / 50);
 }

@@ -95,7 +95,8 @@ TEST_F(UndoGuiTest, DeletedShownRowsComeBackInPlaceWithCtrlZAndGoAgainWithCtrlY)
     ASSERT_GT(rows, 10);
     ASSERT_LT(static_cast<std::size_t>(rows), m_frame->document().operationCount());
 
-    user::chooseMenu(m_frame.get(), {QStringLiteral("Редакция"), QStringLiteral("Изтрий всички визуализирани записи")});
+    user::chooseMenu(m_frame.get(), {QStringLiteral("Редакция"),
+                                     QStringLiteral("Изтрий всички визуализирани записи")});
     EXPECT_EQ(table()->model()->rowCount(), 0);
     const std::string afterDelete = ledgerBytes();
     const QString step = QStringLiteral("изтриване на %1 записа").arg(rows);
@@ -153,7 +154,8 @@ TEST_F(UndoGuiTest, AnOperationOfTwoPaymentsSavedInTheEditorGoesWithOneCtrlZ)
                 });
                 user::click(user::button(d, QStringLiteral("...")));
             }
-            EXPECT_NE(d->findChild<QLabel*>(QStringLiteral("category"))->text(), QStringLiteral("изберете категория"));
+            EXPECT_NE(d->findChild<QLabel*>(QStringLiteral("category"))->text(),
+                      QStringLiteral("изберете категория"));
             user::bringUp(d);
             for (const QString& amount : {QStringLiteral("300"), QStringLiteral("450")}) {
                 auto* field = d->findChild<QLineEdit*>(QStringLiteral("amount"));
@@ -180,7 +182,8 @@ TEST_F(UndoGuiTest, AnOperationOfTwoPaymentsSavedInTheEditorGoesWithOneCtrlZ)
 TEST_F(UndoGuiTest, CtrlZIsRefusedWhileTheLedgerIsLocked)
 {
     pressInList(Qt::Key_A);
-    user::chooseMenu(m_frame.get(), {QStringLiteral("Редакция"), QStringLiteral("Изтрий маркираните")});
+    user::chooseMenu(m_frame.get(),
+                     {QStringLiteral("Редакция"), QStringLiteral("Изтрий маркираните")});
     ASSERT_EQ(m_frame->document().operationCount(), 0u);
     {
         user::ExpectDialog password([](QDialog* d) {
@@ -191,7 +194,8 @@ TEST_F(UndoGuiTest, CtrlZIsRefusedWhileTheLedgerIsLocked)
             }
             user::click(user::button(d, QStringLiteral("OK")));
         });
-        user::chooseMenu(m_frame.get(), {QStringLiteral("Настройки"), QStringLiteral("Задаване на постоянна защита")});
+        user::chooseMenu(m_frame.get(), {QStringLiteral("Настройки"),
+                                         QStringLiteral("Задаване на постоянна защита")});
     }
     ASSERT_TRUE(m_frame->document().isLocked());
     EXPECT_EQ(shownText("actionUndo"), QStringLiteral("Отмени: задаване на защита с парола"));
@@ -210,10 +214,12 @@ TEST_F(UndoGuiTest, WithAutoSaveTheFileOnDiskFollowsEachUndoAndRedo)
 {
     m_store.writeInt("Settings", "AutoSave", 1);
     // Five rows chosen with the mouse, deleted from the menu: the file is written at once.
-    QTest::mouseClick(table()->viewport(), Qt::LeftButton, {}, table()->visualRect(table()->model()->index(2, 3)).center());
+    QTest::mouseClick(table()->viewport(), Qt::LeftButton, {},
+                      table()->visualRect(table()->model()->index(2, 3)).center());
     QTest::mouseClick(table()->viewport(), Qt::LeftButton, Qt::ShiftModifier,
                       table()->visualRect(table()->model()->index(6, 3)).center());
-    user::chooseMenu(m_frame.get(), {QStringLiteral("Редакция"), QStringLiteral("Изтрий маркираните")});
+    user::chooseMenu(m_frame.get(),
+                     {QStringLiteral("Редакция"), QStringLiteral("Изтрий маркираните")});
     const std::string deleted = bytesOf(m_file);
     ASSERT_NE(deleted, m_original);
     EXPECT_EQ(m_frame->document().operationCount(), 595u);
@@ -223,7 +229,8 @@ TEST_F(UndoGuiTest, WithAutoSaveTheFileOnDiskFollowsEachUndoAndRedo)
     EXPECT_FALSE(m_frame->isWindowModified());
     pressInList(Qt::Key_Y);
     EXPECT_EQ(bytesOf(m_file), deleted);
-    user::chooseMenu(m_frame.get(), {QStringLiteral("Редакция"), QStringLiteral("Отмени: изтриване на 5 записа")});
+    user::chooseMenu(m_frame.get(),
+                     {QStringLiteral("Редакция"), QStringLiteral("Отмени: изтриване на 5 записа")});
     EXPECT_EQ(bytesOf(m_file), m_original);
     EXPECT_FALSE(m_frame->isWindowModified());
 }
@@ -231,7 +238,8 @@ TEST_F(UndoGuiTest, WithAutoSaveTheFileOnDiskFollowsEachUndoAndRedo)
 TEST_F(UndoGuiTest, OpeningOrCreatingALedgerForgetsTheSteps)
 {
     pressInList(Qt::Key_A);
-    user::chooseMenu(m_frame.get(), {QStringLiteral("Редакция"), QStringLiteral("Изтрий маркираните")});
+    user::chooseMenu(m_frame.get(),
+                     {QStringLiteral("Редакция"), QStringLiteral("Изтрий маркираните")});
     EXPECT_TRUE(m_frame->action("actionUndo")->isEnabled());
     // The save question is answered no; the new ledger has nothing to take back.
     m_prompter.queue(Answer::No);

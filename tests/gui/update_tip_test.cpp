@@ -10,7 +10,6 @@
 #include <QTcpServer>
 #include <QTcpSocket>
 #include <gtest/gtest.h>
-
 #include <map>
 
 using namespace finora;
@@ -32,15 +31,18 @@ public:
                 const auto page = m_pages.find(path);
                 const QByteArray body = page == m_pages.end() ? QByteArray() : page->second;
                 const QByteArray status = page == m_pages.end() ? "404 Not Found" : "200 OK";
-                socket->write("HTTP/1.1 " + status + "\r\nContent-Type: text/plain\r\nContent-Length: " +
-                              QByteArray::number(body.size()) + "\r\nConnection: close\r\n\r\n" + body);
+                socket->write(
+                    "HTTP/1.1 " + status + "\r\nContent-Type: text/plain\r\nContent-Length: " +
+                    QByteArray::number(body.size()) + "\r\nConnection: close\r\n\r\n" + body);
                 socket->disconnectFromHost();
             });
         });
     }
     QUrl url(const char* path) const
     {
-        return QUrl(QStringLiteral("http://127.0.0.1:%1%2").arg(m_server.serverPort()).arg(QString::fromLatin1(path)));
+        return QUrl(QStringLiteral("http://127.0.0.1:%1%2")
+                        .arg(m_server.serverPort())
+                        .arg(QString::fromLatin1(path)));
     }
 
 private:
@@ -57,7 +59,9 @@ CheckResult check(const QUrl& versionFile)
 {
     RecordingPrompter prompter(Answer::Yes);
     CheckResult r;
-    UpdateCheck(prompter, versionFile, [&](const QUrl& url) { r.opened.push_back(url); }, 3000).run();
+    UpdateCheck(
+        prompter, versionFile, [&](const QUrl& url) { r.opened.push_back(url); }, 3000)
+        .run();
     r.messages = prompter.messages();
     return r;
 }
@@ -68,7 +72,8 @@ protected:
     HelpMenu() { startFrame(); }
     void checkForUpdates()
     {
-        user::chooseMenu(m_frame.get(), {QStringLiteral("Помощ"), QStringLiteral("Проверка за нова версия ...")});
+        user::chooseMenu(m_frame.get(),
+                         {QStringLiteral("Помощ"), QStringLiteral("Проверка за нова версия ...")});
     }
     // Where the program looks for its version file: a setting with no window of its own.
     void useVersionFile(const QUrl& url)
@@ -79,7 +84,8 @@ protected:
 
 TEST_F(HelpMenu, TheUpdateCheckComparesTheFirstNumberOfTheVersionFile)
 {
-    for (const QByteArray& same : {QByteArray("1.501\n"), QByteArray("1,7\r\n"), QByteArray("няма версия")}) {
+    for (const QByteArray& same :
+         {QByteArray("1.501\n"), QByteArray("1,7\r\n"), QByteArray("няма версия")}) {
         LoopbackServer server({{QStringLiteral("/version.txt"), same}});
         useVersionFile(server.url("/version.txt"));
         m_prompter.clear();
@@ -92,16 +98,19 @@ TEST_F(HelpMenu, TheUpdateCheckComparesTheFirstNumberOfTheVersionFile)
 
     // A newer version is offered for download. Through the menu a yes would start the desktop's
     // browser, so the check runs here with an opener of the test's own.
-    LoopbackServer newer({{QStringLiteral("/dl/version.txt"), "1.6 beta\nчерновa\n"},
-                          {QStringLiteral("/dl/download.txt"), "https://example.org/finora-1.6.exe\n"}});
+    LoopbackServer newer(
+        {{QStringLiteral("/dl/version.txt"), "1.6 beta\nчерновa\n"},
+         {QStringLiteral("/dl/download.txt"), "https://example.org/finora-1.6.exe\n"}});
     const CheckResult r = check(newer.url("/dl/version.txt"));
     ASSERT_EQ(r.messages.size(), 2u);
-    EXPECT_EQ(r.messages[1],
-              (Message{"Download?",
-                       "Най-новата версия на продукта Finora е 1.600, а копието, с което работите е 1.501.\n"
-                       "Желаете ли да изтеглите новата версия на програмата сега?\n\n"
-                       "URL на файла е: https://example.org/finora-1.6.exe",
-                       MessageIcon::Question, MessageButtons::YesNo}));
+    EXPECT_EQ(
+        r.messages[1],
+        (Message{
+            "Download?",
+            "Най-новата версия на продукта Finora е 1.600, а копието, с което работите е 1.501.\n"
+            "Желаете ли да изтеглите новата версия на програмата сега?\n\n"
+            "URL на файла е: https://example.org/finora-1.6.exe",
+            MessageIcon::Question, MessageButtons::YesNo}));
     ASSERT_EQ(r.opened.size(), 1u);
     EXPECT_EQ(r.opened[0], QUrl(QStringLiteral("https://example.org/finora-1.6.exe")));
 }
@@ -126,7 +135,10 @@ TEST_F(HelpMenu, NoServerMeansTheLatestVersionAndNoRefusalAsks)
 // The program's folder while it lives: the tips file is looked for there first.
 class CurrentFolder {
 public:
-    explicit CurrentFolder(const QString& path) : m_was(QDir::currentPath()) { QDir::setCurrent(path); }
+    explicit CurrentFolder(const QString& path) : m_was(QDir::currentPath())
+    {
+        QDir::setCurrent(path);
+    }
     ~CurrentFolder() { QDir::setCurrent(m_was); }
     CurrentFolder(const CurrentFolder&) = delete;
     CurrentFolder& operator=(const CurrentFolder&) = delete;
@@ -150,7 +162,8 @@ TEST_F(HelpMenu, TheTipOfTheDayStepsThroughTheTipsAndKeepsThePlace)
         user::click(user::button(d, QStringLiteral("Следващия")));
         EXPECT_EQ(shownTip(d), QStringLiteral("Втори съвет"));
         user::click(user::button(d, QStringLiteral("показвай съветите")));
-        QTest::keyClick(d, Qt::Key_Escape); // as the close box: the place is kept, the box's choice is not
+        QTest::keyClick(
+            d, Qt::Key_Escape); // as the close box: the place is kept, the box's choice is not
     });
     user::chooseMenu(m_frame.get(), tip);
     first.verify();

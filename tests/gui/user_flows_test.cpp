@@ -56,7 +56,8 @@ TEST_F(UserFlowTest, TheSearchDialogSearchesForWhatWasTypedWhateverOptionIsClick
         user::press(m_frame.get(), Qt::Key_F3);
         search.verify();
         const int matching = rowsDescribedWith(word);
-        EXPECT_EQ(markedRows(), std::string(mode) == "NOT" ? table()->model()->rowCount() - matching : matching)
+        EXPECT_EQ(markedRows(),
+                  std::string(mode) == "NOT" ? table()->model()->rowCount() - matching : matching)
             << mode;
         user::press(m_frame.get(), Qt::Key_F5);
     }
@@ -72,7 +73,8 @@ TEST_F(UserFlowTest, AnAmountWithADecimalCommaIsStoredAsTypedAndAWordIsRefusedAt
 {
     const std::size_t before = m_frame->document().operationCount();
     user::ExpectDialog editor([&](QDialog* d) {
-        user::type(d->findChild<QLineEdit*>(QStringLiteral("description")), QStringLiteral("Тетрадки"));
+        user::type(d->findChild<QLineEdit*>(QStringLiteral("description")),
+                   QStringLiteral("Тетрадки"));
         user::ExpectDialog chooser([](QDialog* c) {
             auto* tree = c->findChild<QTreeWidget*>();
             QTreeWidgetItem* item = tree->topLevelItem(0);
@@ -95,7 +97,8 @@ TEST_F(UserFlowTest, AnAmountWithADecimalCommaIsStoredAsTypedAndAWordIsRefusedAt
 
         user::retype(amount, QStringLiteral("45,60"));
         user::press(amount, Qt::Key_Tab);
-        EXPECT_EQ(d->findChild<QLineEdit*>(QStringLiteral("value"))->text(), QStringLiteral("45.60"));
+        EXPECT_EQ(d->findChild<QLineEdit*>(QStringLiteral("value"))->text(),
+                  QStringLiteral("45.60"));
         user::click(user::button(d, QStringLiteral("добави/промени")));
         auto* payments = d->findChild<QTreeWidget*>(QStringLiteral("payments"));
         ASSERT_EQ(payments->topLevelItemCount(), 1);
@@ -116,9 +119,11 @@ TEST_F(UserFlowTest, AnAmountWithADecimalCommaIsStoredAsTypedAndAWordIsRefusedAt
         user::retype(d->findChild<QLineEdit*>(QStringLiteral("amount")), QStringLiteral("45,60"));
         user::retype(d->findChild<QLineEdit*>(QStringLiteral("tolerance")), QStringLiteral("нула"));
         QTest::keyClick(d, Qt::Key_Return);
-        EXPECT_EQ(lastMessage().text, "В полето \"толеранс ±\" трябва да има число, например 0.50.");
+        EXPECT_EQ(lastMessage().text,
+                  "В полето \"толеранс ±\" трябва да има число, например 0.50.");
         EXPECT_TRUE(d->isVisible());
-        user::retype(d->findChild<QLineEdit*>(QStringLiteral("tolerance")), QStringLiteral("0,001"));
+        user::retype(d->findChild<QLineEdit*>(QStringLiteral("tolerance")),
+                     QStringLiteral("0,001"));
         QTest::keyClick(d, Qt::Key_Return);
     });
     user::press(m_frame.get(), Qt::Key_F3, Qt::ShiftModifier);
@@ -139,7 +144,8 @@ TEST_F(UserFlowTest, SettingAProtectionIsAChangeThatClosingAsksAbout)
         user::type(fields[1], QStringLiteral("тайна"));
         QTest::keyClick(fields[1], Qt::Key_Return);
     });
-    user::chooseMenu(m_frame.get(), {QStringLiteral("Настройки"), QStringLiteral("Задаване на постоянна защита")});
+    user::chooseMenu(m_frame.get(),
+                     {QStringLiteral("Настройки"), QStringLiteral("Задаване на постоянна защита")});
     password.verify();
     EXPECT_EQ(lastMessage().text, "Документът е заключен. Запишете го, за да съхраните защитата!");
     EXPECT_TRUE(m_frame->isWindowModified());
@@ -169,10 +175,14 @@ TEST_F(UserFlowTest, ALockedLedgerKeepsItsFiguresOutOfTheYearlyChart)
     protectWith(QStringLiteral("x"));
     m_prompter.clear();
     // No dialog may open: the harness fails the test if one stays.
-    user::chooseMenu(m_frame.get(), {QStringLiteral("Данни"), QStringLiteral("Диаграма за приходите и разходите през годината ...")});
+    user::chooseMenu(m_frame.get(),
+                     {QStringLiteral("Данни"),
+                      QStringLiteral("Диаграма за приходите и разходите през годината ...")});
     ASSERT_EQ(m_prompter.messages().size(), 1u);
-    EXPECT_EQ(lastMessage(), (Message{"Заключен", "Този документ е защитен с парола. Натиснете F12, за да го отключите!",
-                                      MessageIcon::Error, MessageButtons::Ok}));
+    EXPECT_EQ(
+        lastMessage(),
+        (Message{"Заключен", "Този документ е защитен с парола. Натиснете F12, за да го отключите!",
+                 MessageIcon::Error, MessageButtons::Ok}));
     EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
 }
 
@@ -210,8 +220,10 @@ TEST_F(UserFlowTest, TheCurrencyCashSelectionFollowsTheCurrencyAndADeleteLeavesN
         // Sorting by the name column moves EUR to another row; it stays the one chosen.
         for (int i = 0; i < 2; ++i) {
             QHeaderView* header = list->header();
-            QTest::mouseClick(header->viewport(), Qt::LeftButton, {},
-                              QPoint(header->sectionViewportPosition(1) + header->sectionSize(1) / 2, header->height() / 2));
+            QTest::mouseClick(
+                header->viewport(), Qt::LeftButton, {},
+                QPoint(header->sectionViewportPosition(1) + header->sectionSize(1) / 2,
+                       header->height() / 2));
             EXPECT_EQ(chosen(), QStringLiteral("EUR")) << "after sort " << i;
         }
         clickRow(rowOf(QStringLiteral("CHF")));
@@ -262,7 +274,7 @@ TEST_F(UserFlowTest, TheCurrencyRulesRunOnAChangeOfCurrencyAndOnTheListClosing)
         ASSERT_NE(currency->currentText(), QStringLiteral("BGL"));
         EXPECT_FALSE(currency->view()->isVisible());
         EXPECT_FALSE(rate->isReadOnly()); // the currency rule ran
-        EXPECT_FALSE(value->isEnabled());  // the list-closed rule did not
+        EXPECT_FALSE(value->isEnabled()); // the list-closed rule did not
         QTest::keyClick(d, Qt::Key_Escape);
     });
     user::press(m_frame.get(), Qt::Key_F8);

@@ -14,9 +14,8 @@
 #include "storage/ledger_import.h"
 #include "text/cp1251.h"
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
+#include <gtest/gtest.h>
 #include <map>
 #include <random>
 
@@ -30,8 +29,7 @@ std::string w(const char* utf8)
 }
 
 // Every lookup finds the first record of its id in list order, as a scan would.
-template <class T>
-void expectLookupsAsScans(const RecordList<T>& list)
+template <class T> void expectLookupsAsScans(const RecordList<T>& list)
 {
     std::map<std::int32_t, const T*> first;
     for (const T& record : list) {
@@ -68,7 +66,8 @@ public:
         m_prompter.clear();
         if (m_doc.isLocked()) {
             // A protection done again locks at once; the user unlocks it for the session first.
-            ASSERT_TRUE(temporaryUnlockCommand(m_doc, m_prompter, [this](bool) { return std::optional(m_password); }));
+            ASSERT_TRUE(temporaryUnlockCommand(m_doc, m_prompter,
+                                               [this](bool) { return std::optional(m_password); }));
         }
         switch (m_rng() % 13) {
         case 0:
@@ -116,8 +115,7 @@ public:
     }
 
 private:
-    template <class T>
-    const T* pick(const RecordList<T>& list)
+    template <class T> const T* pick(const RecordList<T>& list)
     {
         if (list.empty()) {
             return nullptr;
@@ -131,7 +129,8 @@ private:
     void newOperation()
     {
         const Category* category = pick(m_doc.ledger().categories);
-        OperationEditor e(m_doc, m_settings, m_prompter, m_clock.now(), {0, 0, category ? category->id() : -1});
+        OperationEditor e(m_doc, m_settings, m_prompter, m_clock.now(),
+                          {0, 0, category ? category->id() : -1});
         e.setDescription(word());
         e.setTypeIndex(static_cast<int>(m_rng() % 2));
         const int payments = 1 + static_cast<int>(m_rng() % 3);
@@ -152,7 +151,8 @@ private:
         if (!op) {
             return newOperation();
         }
-        OperationEditor e(m_doc, m_settings, m_prompter, m_clock.now(), {op->id(), op->masterId(), -1});
+        OperationEditor e(m_doc, m_settings, m_prompter, m_clock.now(),
+                          {op->id(), op->masterId(), -1});
         e.setDescription(word());
         if (e.rows().size() > 1 && m_rng() % 2 == 0) {
             e.setSelected({static_cast<int>(m_rng() % e.rows().size())});
@@ -206,8 +206,9 @@ private:
     void importOther()
     {
         // Another ledger, or this one (every entry a duplicate but the ones changed since).
-        const std::string other = m_rng() % 3 == 0 ? serializeLedger(m_doc.ledger())
-                                                   : serializeLedger(generateLedger(20 + m_rng() % 60, m_rng()));
+        const std::string other = m_rng() % 3 == 0
+                                      ? serializeLedger(m_doc.ledger())
+                                      : serializeLedger(generateLedger(20 + m_rng() % 60, m_rng()));
         importLedger(m_doc, other, m_prompter);
     }
 
@@ -305,8 +306,9 @@ Ledger ledgerWithRepeatedIds(std::uint64_t seed)
         return ::testing::AssertionSuccess();
     }
     const auto at = std::mismatch(actual.begin(), actual.end(), expected.begin(), expected.end());
-    return ::testing::AssertionFailure() << "the ledger's " << actual.size() << " bytes differ from the "
-                                         << expected.size() << " expected at byte " << (at.first - actual.begin());
+    return ::testing::AssertionFailure()
+           << "the ledger's " << actual.size() << " bytes differ from the " << expected.size()
+           << " expected at byte " << (at.first - actual.begin());
 }
 
 // The time of the i-th command: a second apart, so every step stamps its own.
@@ -331,7 +333,8 @@ TEST_P(HistoryProperty, UndoAllGivesTheOriginalBytesRedoAllTheLastAndEveryStepIt
         const std::size_t after = doc.history().undoCount();
         // A command is one step or, refused or changing nothing, none.
         if (after == before) {
-            ASSERT_TRUE(sameBytes(desk.bytes(), states.back())) << "command " << i << " changed the ledger without a step";
+            ASSERT_TRUE(sameBytes(desk.bytes(), states.back()))
+                << "command " << i << " changed the ledger without a step";
         } else {
             ASSERT_EQ(after, before + 1) << "command " << i;
             states.push_back(desk.bytes());
@@ -391,7 +394,8 @@ TEST_P(HistoryProperty, UndoRedoAndNewCommandsInterleavedAgreeWithAReplayOfTheCo
                 line.push_back(command);
                 line.back().bytes = desk.bytes();
                 ++at;
-                ASSERT_FALSE(doc.history().canRedo()) << "a new step keeps the steps undone before it";
+                ASSERT_FALSE(doc.history().canRedo())
+                    << "a new step keeps the steps undone before it";
             }
         }
         }
@@ -510,7 +514,9 @@ TEST_F(HistoryTest, OneBatchIsOneStepAndOnlyTheOutermostNamesIt)
     EXPECT_EQ(m_doc.ledger().counters.nextCategoryId, 0);
 
     // A batch that changes nothing is no step: the step undone can still be done again.
-    { CFinoraDoc::ChangeBatch nothing(m_doc, "нищо"); }
+    {
+        CFinoraDoc::ChangeBatch nothing(m_doc, "нищо");
+    }
     EXPECT_TRUE(m_doc.history().canRedo());
 }
 

@@ -3,7 +3,6 @@
 #include "model/record_list.h"
 
 #include <gtest/gtest.h>
-
 #include <random>
 #include <unordered_map>
 #include <vector>
@@ -47,7 +46,9 @@ TEST(IdIndex, IdsCraftedToCollideStayFastAndCorrect)
     // without the switch to a scrambled hash these 200,000 inserts would take quadratic time.
     IdIndex index;
     constexpr std::int32_t kCount = 200000;
-    const auto key = [](std::int32_t i) { return static_cast<std::int32_t>(static_cast<std::uint32_t>(i) << 12); };
+    const auto key = [](std::int32_t i) {
+        return static_cast<std::int32_t>(static_cast<std::uint32_t>(i) << 12);
+    };
     for (std::int32_t i = 0; i < kCount; ++i) {
         index.findOrInsert(key(i)).first = i;
     }
@@ -165,7 +166,6 @@ TEST(RecordList, IteratesOverNothingWhenEmptiedOrCleared)
     EXPECT_EQ(list.rbegin(), list.rend());
 }
 
-
 TEST(RecordList, RecordsTakenOutGoBackToTheirPlacesInAnyOrder)
 {
     // Ids repeat, so records go back into the middle of their id's chain too; enough are taken
@@ -192,7 +192,8 @@ TEST(RecordList, RecordsTakenOutGoBackToTheirPlacesInAnyOrder)
         const auto expected = [&] {
             std::vector<Category> kept;
             for (const auto& [key, c] : all) {
-                if (std::none_of(out.begin(), out.end(), [&](const auto& t) { return t.key == key; })) {
+                if (std::none_of(out.begin(), out.end(),
+                                 [&](const auto& t) { return t.key == key; })) {
                     kept.push_back(c);
                 }
             }

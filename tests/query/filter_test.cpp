@@ -13,12 +13,12 @@ class FilterTest : public ::testing::Test {
 protected:
     FilterTest() : doc(clock)
     {
-        doc.addCurrency("EUR");                 // 1
-        doc.addCategory("Food", 0);             // 1
-        doc.addCategory("Shop", 1);             // 2
-        doc.addCategory("Fruit", 2);            // 3
-        doc.addCategory("Apples", 3);           // 4, three levels below Food
-        doc.addCategory("Salary", 0);           // 5
+        doc.addCurrency("EUR");       // 1
+        doc.addCategory("Food", 0);   // 1
+        doc.addCategory("Shop", 1);   // 2
+        doc.addCategory("Fruit", 2);  // 3
+        doc.addCategory("Apples", 3); // 4, three levels below Food
+        doc.addCategory("Salary", 0); // 5
         resetCriteria(criteria, doc, clock.now());
         criteria.from = DateTime::fromParts(2000, 1, 1);
         criteria.to = DateTime::fromParts(2030, 1, 1);
@@ -70,7 +70,8 @@ TEST_F(FilterTest, ResetKeepsEntriesWhoseDateStatusIsNotValidInView)
     // value is an ordinary day: "без филтър" must still show the whole ledger.
     const DateTime march = DateTime::fromParts(2019, 3, 4);
     doc.addOperation(op(1, kExpense, 1, 0, DateTime(march.days(), DateTime::Invalid)));
-    doc.addOperation(op(1, kExpense, 1, 0, DateTime(DateTime::fromParts(2031, 1, 1).days(), DateTime::Null)));
+    doc.addOperation(
+        op(1, kExpense, 1, 0, DateTime(DateTime::fromParts(2031, 1, 1).days(), DateTime::Null)));
     doc.addOperation(op(1, kExpense, 1, 0, DateTime::fromParts(2024, 5, 5)));
     doc.addOperation(op(1, kExpense, 1, 0, DateTime(1e12, DateTime::Valid))); // no calendar day
     resetCriteria(criteria, doc, clock.now());
@@ -85,7 +86,8 @@ TEST_F(FilterTest, ResetKeepsEntriesWhoseDateStatusIsNotValidInView)
 
 TEST_F(FilterTest, PaidStatesAreLopsided)
 {
-    const Operation paid = op(1, kExpense, 1), unpaid = op(1, kExpense, 0), odd = op(1, kExpense, 2);
+    const Operation paid = op(1, kExpense, 1), unpaid = op(1, kExpense, 0),
+                    odd = op(1, kExpense, 2);
     criteria.paidState = 1;
     EXPECT_TRUE(passes(paid));
     EXPECT_FALSE(passes(unpaid));
@@ -122,7 +124,7 @@ TEST_F(FilterTest, SubcategoriesAtAnyDepthOnlyWhenAsked)
     EXPECT_TRUE(passes(op(5)));
     EXPECT_TRUE(passes(op(4), true));
     EXPECT_FALSE(passes(op(2), true)); // a parent is not a subcategory
-    criteria.categories = {42};         // unknown ids still match equal entries
+    criteria.categories = {42};        // unknown ids still match equal entries
     EXPECT_TRUE(passes(op(42), true));
 }
 

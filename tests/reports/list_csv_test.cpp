@@ -5,7 +5,6 @@
 #include "text/cp1251.h"
 
 #include <gtest/gtest.h>
-
 #include <sstream>
 
 using namespace finora;
@@ -18,10 +17,12 @@ TEST(ListCsv, WritesTheShownColumnsWithQuotedFieldsInUtf8)
     Settings settings{store};
     RecordingPrompter prompter;
     doc.addCategory(cp1251::fromUtf8OrThrow("Храна"), 0);
-    doc.addOperation(Operation(0, DateTime::fromParts(2026, 3, 2), cp1251::fromUtf8OrThrow("Сирене, \"бяло\""),
-                               kExpense, 1, 12.5, 0, 12.5, cp1251::fromUtf8OrThrow("ред 1\r\nред 2"), {}, 1, 0));
-    doc.addOperation(Operation(0, DateTime::fromParts(2026, 3, 1), cp1251::fromUtf8OrThrow("Заплата"), kIncome,
-                               1, 2000, 0, 2000, "", {}, 0, 0));
+    doc.addOperation(Operation(0, DateTime::fromParts(2026, 3, 2),
+                               cp1251::fromUtf8OrThrow("Сирене, \"бяло\""), kExpense, 1, 12.5, 0,
+                               12.5, cp1251::fromUtf8OrThrow("ред 1\r\nред 2"), {}, 1, 0));
+    doc.addOperation(Operation(0, DateTime::fromParts(2026, 3, 1),
+                               cp1251::fromUtf8OrThrow("Заплата"), kIncome, 1, 2000, 0, 2000, "",
+                               {}, 0, 0));
     OperationsList list{doc, settings, prompter};
     resetCriteria(list.criteria(), doc, clock.now());
     list.criteria().from = DateTime::fromParts(2026, 1, 1);
@@ -32,8 +33,8 @@ TEST(ListCsv, WritesTheShownColumnsWithQuotedFieldsInUtf8)
     settings.setColumnShown(Column::LastModified, false);
     settings.setColumnShown(Column::Payed, false);
     const std::vector<int> shown = shownListColumns(settings);
-    EXPECT_EQ(shown, (std::vector<int>{kColDate, kColDescription, kColType, kColCategory, kColAmount,
-                                       kColCurrency, kColAmountBgl}));
+    EXPECT_EQ(shown, (std::vector<int>{kColDate, kColDescription, kColType, kColCategory,
+                                       kColAmount, kColCurrency, kColAmountBgl}));
     std::ostringstream out;
     writeListCsv(out, list, shown);
     EXPECT_EQ(out.str(), "дата,описание,тип,категория,сума,валута,сума в BGL\r\n"

@@ -4,9 +4,8 @@
 #include "settings/memory_settings_store.h"
 #include "text/cp1251.h"
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
+#include <gtest/gtest.h>
 
 using namespace finora;
 
@@ -18,7 +17,8 @@ protected:
     {
         m_doc.addCategory(cp1251::fromUtf8OrThrow("Храна"), 0);
         for (int i = 0; i < rows; ++i) {
-            m_doc.addOperation(Operation(0, DateTime::fromParts(2026, 3, 1 + i % 28), "op" + std::to_string(i + 1),
+            m_doc.addOperation(Operation(0, DateTime::fromParts(2026, 3, 1 + i % 28),
+                                         "op" + std::to_string(i + 1),
                                          i % 2 == 0 ? kIncome : kExpense, 1, 10.0 + i, 0, 10.0 + i,
                                          "note" + std::to_string(i + 1), {}, 1, 0));
         }
@@ -54,9 +54,8 @@ protected:
     static std::size_t count(const std::vector<ReportItem>& items, const std::string& prefix)
     {
         const auto all = texts(items);
-        return static_cast<std::size_t>(std::count_if(all.begin(), all.end(), [&](const std::string& t) {
-            return t.rfind(prefix, 0) == 0;
-        }));
+        return static_cast<std::size_t>(std::count_if(
+            all.begin(), all.end(), [&](const std::string& t) { return t.rfind(prefix, 0) == 0; }));
     }
 
     FixedClock m_clock{DateTime::fromParts(2026, 11, 21, 9, 5)};
@@ -65,9 +64,15 @@ protected:
     Settings m_settings{m_store};
     RecordingPrompter m_prompter;
     OperationsList m_list{m_doc, m_settings, m_prompter};
-    ReportContext m_context{"разходи",      DateTime::fromParts(2026, 1, 1), DateTime::fromParts(2026, 12, 31),
-                            ":: ВСИЧКИ ВАЛУТИ В BGL ::", "100.00 BGL", "50.00 BGL", "50.00 BGL",
-                            "/home/ива/дом.fnr", DateTime::fromParts(2026, 11, 21, 9, 5)};
+    ReportContext m_context{"разходи",
+                            DateTime::fromParts(2026, 1, 1),
+                            DateTime::fromParts(2026, 12, 31),
+                            ":: ВСИЧКИ ВАЛУТИ В BGL ::",
+                            "100.00 BGL",
+                            "50.00 BGL",
+                            "50.00 BGL",
+                            "/home/ива/дом.fnr",
+                            DateTime::fromParts(2026, 11, 21, 9, 5)};
     ReportPlan m_plan;
 };
 
@@ -116,8 +121,8 @@ TEST_F(PrintLayoutTest, NotesArePrintedLyingOnlyAndExpensesGetAMinus)
     EXPECT_TRUE(has(lying, "забележки"));
     EXPECT_EQ(count(lying, " note"), 35u);
     // The notes column takes the rest of the line up to the right margin.
-    const auto notesHeader = std::find_if(lying.begin(), lying.end(),
-                                          [](const ReportItem& i) { return i.text == "забележки"; });
+    const auto notesHeader = std::find_if(
+        lying.begin(), lying.end(), [](const ReportItem& i) { return i.text == "забележки"; });
     EXPECT_EQ(notesHeader->rect.left, 50 + 170 + 400 + 85 + 800 + 175 + 100 + 175);
     EXPECT_EQ(notesHeader->rect.right, 2870 - 50);
 
@@ -142,14 +147,17 @@ TEST_F(PrintLayoutTest, TitleCurrencyFooterAndGeometry)
 
     // Upright: the title box starts 50 below a 50 margin; the header row comes 110 + 2h lower.
     EXPECT_EQ(items.front().rect, (ReportRect{50, -100, 1950, -160}));
-    const auto header = std::find_if(items.begin(), items.end(), [](const ReportItem& i) { return i.text == "дата"; });
+    const auto header = std::find_if(items.begin(), items.end(),
+                                     [](const ReportItem& i) { return i.text == "дата"; });
     EXPECT_EQ(header->rect, (ReportRect{50, -290, 350, -330})); // the new width, read for this page
     // Header cells are grey inside a 2-unit border, data cells are not filled.
-    const auto fills = std::count_if(items.begin(), items.end(),
-                                     [](const ReportItem& i) { return i.kind == ReportItem::Kind::Fill; });
+    const auto fills = std::count_if(items.begin(), items.end(), [](const ReportItem& i) {
+        return i.kind == ReportItem::Kind::Fill;
+    });
     EXPECT_EQ(fills, 7 + 6); // seven header cells, three totals lines of two cells
-    const auto firstFill = std::find_if(items.begin(), items.end(),
-                                        [](const ReportItem& i) { return i.kind == ReportItem::Kind::Fill; });
+    const auto firstFill = std::find_if(items.begin(), items.end(), [](const ReportItem& i) {
+        return i.kind == ReportItem::Kind::Fill;
+    });
     EXPECT_EQ(firstFill->rect, (ReportRect{52, -292, 348, -328}));
 
     // Lying: no top margin; any other type text is both kinds.

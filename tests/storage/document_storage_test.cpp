@@ -36,7 +36,8 @@ TEST_F(StorageTest, AnOlderFileIsConvertedOnConsentWithoutMarkingTheDocumentModi
     EXPECT_FALSE(doc.isModified());
     EXPECT_EQ(doc.operation(2).paid(), 1);
     // The file keeps its old format until the user saves.
-    EXPECT_EQ(readFile(file).substr(0, 8), test::legacyBytes(1.2, Ledger(), false, false).substr(0, 8));
+    EXPECT_EQ(readFile(file).substr(0, 8),
+              test::legacyBytes(1.2, Ledger(), false, false).substr(0, 8));
 }
 
 TEST_F(StorageTest, DecliningTheConversionEndsTheProgram)
@@ -260,7 +261,8 @@ TEST_F(StorageTest, QuickSavesInARowAllReachTheBackup)
     // Saves follow each other while backups are still being written; the last one wins.
     const std::string file = path("busy.fnr");
     for (int i = 0; i < 30; ++i) {
-        // A std::string on the left: GCC 12 at -O3 warns falsely (-Wrestrict) on "literal" + string.
+        // A std::string on the left: GCC 12 at -O3 warns falsely (-Wrestrict) on "literal" +
+        // string.
         doc.addCategory(std::string("c") + std::to_string(i), 0);
         ASSERT_TRUE(storage.save(file));
     }

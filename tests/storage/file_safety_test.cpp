@@ -191,7 +191,8 @@ TEST_F(StorageTest, AWriteProtectedLedgerIsNotSavedOverButMayBeSavedUnderAnother
 
     prompter.queue(Answer::No);
     EXPECT_FALSE(storage.saveCommand());
-    EXPECT_EQ(lastMessage(), (Message{DocumentStorage::kNotSavedCaption, DocumentStorage::readOnlyDocumentText(file),
+    EXPECT_EQ(lastMessage(), (Message{DocumentStorage::kNotSavedCaption,
+                                      DocumentStorage::readOnlyDocumentText(file),
                                       MessageIcon::Warning, MessageButtons::YesNo}));
     EXPECT_EQ(readFile(file), before);
     EXPECT_FALSE(fs::exists(file + ".bak"));

@@ -4,11 +4,9 @@
 #include "storage/ledger_format.h"
 #include "storage/ledger_import.h"
 
-#include <gtest/gtest.h>
-
-#include <unistd.h>
-
 #include <filesystem>
+#include <gtest/gtest.h>
+#include <unistd.h>
 
 using namespace finora;
 
@@ -48,7 +46,8 @@ TEST(FilterFile, RoundTripsAndEndsWithTheFourItems)
     ASSERT_GE(bytes.size(), tail.bytes().size());
     EXPECT_EQ(bytes.substr(bytes.size() - tail.bytes().size()), tail.bytes());
     // The count of ids stands just before them.
-    EXPECT_EQ(bytes.substr(bytes.size() - tail.bytes().size() - 4, 4), std::string("\x03\0\0\0", 4));
+    EXPECT_EQ(bytes.substr(bytes.size() - tail.bytes().size() - 4, 4),
+              std::string("\x03\0\0\0", 4));
 
     StoredFilter back;
     ASSERT_TRUE(parseFilter(bytes, back));
@@ -96,7 +95,8 @@ TEST(FilterFile, ATypeChoiceOutsideTheSelectorReadsAsBothTypes)
 
 TEST(FilterFile, LoadFailuresSayWhy)
 {
-    const auto dir = std::filesystem::temp_directory_path() / ("finora-filter-test-" + std::to_string(::getpid()));
+    const auto dir = std::filesystem::temp_directory_path() /
+                     ("finora-filter-test-" + std::to_string(::getpid()));
     std::filesystem::create_directories(dir);
     const std::string path = pathToUtf8(dir / "филтър.ffl");
     ASSERT_TRUE(saveFilterFile(path, sampleFilter()));
@@ -105,7 +105,8 @@ TEST(FilterFile, LoadFailuresSayWhy)
     EXPECT_EQ(f, sampleFilter());
     FileError error = FileError::None;
     EXPECT_EQ(loadFilterFile(pathToUtf8(dir / "няма.ffl"), f, &error), FilterLoad::CannotOpen);
-    EXPECT_NE(filterLoadMessage(FilterLoad::CannotOpen, "няма.ffl", error).find("няма.ffl"), std::string::npos);
+    EXPECT_NE(filterLoadMessage(FilterLoad::CannotOpen, "няма.ffl", error).find("няма.ffl"),
+              std::string::npos);
     writeFile(path, "not a filter");
     EXPECT_EQ(loadFilterFile(path, f), FilterLoad::NotAFilter);
     std::filesystem::remove_all(dir);
@@ -115,10 +116,7 @@ namespace {
 
 class ImportTest : public ::testing::Test {
 protected:
-    ImportTest() : doc(clock)
-    {
-        doc.replaceLedger(test::sampleLedger());
-    }
+    ImportTest() : doc(clock) { doc.replaceLedger(test::sampleLedger()); }
     std::vector<std::string> messages() const
     {
         std::vector<std::string> out;
@@ -172,7 +170,7 @@ TEST_F(ImportTest, MatchingTreesKeepCategoriesByNameAndCurrenciesMapByName)
 
     EXPECT_EQ(doc.currencyName(3), "GBP"); // added
     const Operation tea = doc.operation(4);
-    EXPECT_EQ(tea.categoryId(), 2);   // Пазар in this ledger
+    EXPECT_EQ(tea.categoryId(), 2); // Пазар in this ledger
     EXPECT_EQ(tea.currencyId(), 3);
     EXPECT_EQ(doc.operation(5).currencyId(), 2); // лв. already existed as 2
     EXPECT_EQ(tea.lastModified(), clock.now());
@@ -212,10 +210,11 @@ TEST_F(ImportTest, OnlyTheCurrenciesAndCategoryThatAddedEntriesUseAreMade)
     other.currencies.append(Currency(51, "JPY"));
     other.currencies.append(Currency(52, "NOK"));
     other.categories.append(Category(60, "Garden", 0));
-    other.operations.append(Operation(90, DateTime::fromParts(2024, 4, 1), "Seeds", kExpense, 60, 3.0, 51, 9.0,
-                                      "", {}, 1, 0));
-    other.operations.append(Operation(91, DateTime::fromParts(2024, 4, 1), "Seeds", kExpense, 60, 3.0, 51, 9.0,
-                                      "", {}, 1, 0)); // the same again: skipped, JPY now known
+    other.operations.append(Operation(90, DateTime::fromParts(2024, 4, 1), "Seeds", kExpense, 60,
+                                      3.0, 51, 9.0, "", {}, 1, 0));
+    other.operations.append(Operation(91, DateTime::fromParts(2024, 4, 1), "Seeds", kExpense, 60,
+                                      3.0, 51, 9.0, "", {}, 1,
+                                      0)); // the same again: skipped, JPY now known
     const auto currenciesBefore = doc.ledger().currencies.size();
     const ImportResult r = importLedger(doc, serializeLedger(other), prompter);
     EXPECT_EQ(r.added, 1);
@@ -224,7 +223,8 @@ TEST_F(ImportTest, OnlyTheCurrenciesAndCategoryThatAddedEntriesUseAreMade)
     EXPECT_NE(doc.currencyId("JPY"), -1);
     EXPECT_EQ(doc.currencyId("CHF"), -1);
     EXPECT_EQ(doc.currencyId("NOK"), -1);
-    EXPECT_EQ(doc.operation(doc.ledger().counters.nextOperationId).currencyId(), doc.currencyId("JPY"));
+    EXPECT_EQ(doc.operation(doc.ledger().counters.nextOperationId).currencyId(),
+              doc.currencyId("JPY"));
 
     // Every entry already here, under a tree that does not match: nothing new at all, no
     // category, no currency, no question about the trees.
@@ -245,7 +245,8 @@ TEST_F(ImportTest, OnlyTheCurrenciesAndCategoryThatAddedEntriesUseAreMade)
 TEST_F(ImportTest, UnreadableAndNewerFilesChangeNothing)
 {
     const std::string good = serializeLedger(test::sampleLedger());
-    EXPECT_EQ(importLedger(doc, good.substr(0, 40), prompter).status, ImportResult::Status::Unreadable);
+    EXPECT_EQ(importLedger(doc, good.substr(0, 40), prompter).status,
+              ImportResult::Status::Unreadable);
     const std::string newer = test::legacyBytes(1.5, test::sampleLedger(), true, true);
     EXPECT_EQ(importLedger(doc, newer, prompter).status, ImportResult::Status::Newer);
     EXPECT_EQ(doc.operationCount(), 3u);
@@ -260,8 +261,8 @@ TEST_F(ImportTest, TheWholeImportIsOneChangeForAutoSave)
     Ledger other = test::sampleLedger();
     other.operations.append(Operation(9, DateTime::fromParts(2025, 1, 1), "new", kIncome, 1, 1.0, 1,
                                       1.0, "", {}, 1, 0));
-    other.operations.append(Operation(10, DateTime::fromParts(2025, 1, 2), "new", kIncome, 1, 1.0, 1,
-                                      1.0, "", {}, 1, 0));
+    other.operations.append(Operation(10, DateTime::fromParts(2025, 1, 2), "new", kIncome, 1, 1.0,
+                                      1, 1.0, "", {}, 1, 0));
     const ImportResult r = importLedger(doc, serializeLedger(other), prompter);
     EXPECT_EQ(r.added, 2);
     EXPECT_EQ(notifications, 1);

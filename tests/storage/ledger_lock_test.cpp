@@ -55,9 +55,9 @@ TEST(LockFile, TextReadsBackAndAnythingElseIsRefused)
     for (const std::string& bad : {
              std::string(),
              std::string("not a lock"),
-             good.substr(good.find('\n') + 1),                              // no header
-             std::string("Finora lock 1\npid=12\n"),                         // no token
-             std::string("Finora lock 1\npid=-5\ntoken=a\n"),                // no such process
+             good.substr(good.find('\n') + 1),                // no header
+             std::string("Finora lock 1\npid=12\n"),          // no token
+             std::string("Finora lock 1\npid=-5\ntoken=a\n"), // no such process
              std::string("Finora lock 1\npid=12x\ntoken=a\n"),
              std::string("Finora lock 1\npid=99999999999999999999\ntoken=a\n"),
              std::string("Finora lock 1\npid=12\ntoken=a\nuser=a\x1b[2Jb\n"), // a terminal escape
@@ -97,10 +97,11 @@ TEST_F(StorageTest, ASecondOpenerIsToldWhoHoldsTheLedgerAndMayOpenItReadOnly)
     prompter2.queue(Answer::No);
     EXPECT_EQ(storage2.open(file), DocumentStorage::OpenResult::Cancelled);
     ASSERT_EQ(prompter2.messages().size(), 1u);
-    EXPECT_EQ(prompter2.messages().back(),
-              (Message{DocumentStorage::kLockedCaption, DocumentStorage::heldByOtherText(file, *holder),
-                       MessageIcon::Warning, MessageButtons::YesNo}));
-    EXPECT_NE(prompter2.messages().back().text.find("процес " + std::to_string(holder->pid)), std::string::npos);
+    EXPECT_EQ(prompter2.messages().back(), (Message{DocumentStorage::kLockedCaption,
+                                                    DocumentStorage::heldByOtherText(file, *holder),
+                                                    MessageIcon::Warning, MessageButtons::YesNo}));
+    EXPECT_NE(prompter2.messages().back().text.find("процес " + std::to_string(holder->pid)),
+              std::string::npos);
     // Cancelled: the ledger that was open is untouched, changes and all.
     EXPECT_EQ(doc2.path(), mine);
     EXPECT_EQ(doc2.currencyId("USD"), 1);

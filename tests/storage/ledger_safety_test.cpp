@@ -4,8 +4,8 @@
 #include "storage/storage_fixture.h"
 
 #ifndef _WIN32
-#include <sys/stat.h>
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <sys/types.h>
 #endif
 
@@ -141,8 +141,9 @@ TEST_F(StorageTest, AFileChangedByAnotherWriterIsNotSavedOverWithoutAsking)
 
     prompter.queue(Answer::Cancel);
     EXPECT_FALSE(storage.saveCommand());
-    EXPECT_EQ(lastMessage(), (Message{DocumentStorage::kChangedCaption, DocumentStorage::changedOnDiskText(file),
-                                      MessageIcon::Warning, MessageButtons::YesNoCancel}));
+    EXPECT_EQ(lastMessage(),
+              (Message{DocumentStorage::kChangedCaption, DocumentStorage::changedOnDiskText(file),
+                       MessageIcon::Warning, MessageButtons::YesNoCancel}));
     EXPECT_EQ(readFile(file), theirBytes);
     EXPECT_TRUE(doc.isModified());
     EXPECT_EQ(storage.lastSaveFailure(), DocumentStorage::SaveFailure::Cancelled);

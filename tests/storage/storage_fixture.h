@@ -8,11 +8,10 @@
 #include "storage/file_io.h"
 #include "support/scripted_host.h"
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <gtest/gtest.h>
 
 #ifdef _WIN32
 #include <process.h>

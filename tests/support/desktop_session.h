@@ -16,7 +16,6 @@
 #include <QTableView>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
-
 #include <memory>
 
 namespace finora::test {
@@ -70,7 +69,10 @@ protected:
     }
 
     const Message& lastMessage() const { return m_prompter.messages().back(); }
-    static QStringList settingsMenu(const char* item) { return {QStringLiteral("Настройки"), QString::fromUtf8(item)}; }
+    static QStringList settingsMenu(const char* item)
+    {
+        return {QStringLiteral("Настройки"), QString::fromUtf8(item)};
+    }
 
     // "Задаване на постоянна защита" from the menu, the password typed into both fields, Enter.
     void protectWith(const QString& password)
@@ -98,7 +100,10 @@ protected:
 
     QTableView* table() { return m_frame->view().table(); }
     // What a cell of the list shows.
-    QString cell(int row, int column) { return table()->model()->index(row, column).data().toString(); }
+    QString cell(int row, int column)
+    {
+        return table()->model()->index(row, column).data().toString();
+    }
     int shownRows() { return table()->model()->rowCount(); }
 
     QTemporaryDir m_dir;

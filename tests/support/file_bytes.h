@@ -3,7 +3,6 @@
 #include "storage/file_io.h"
 
 #include <QString>
-
 #include <string>
 
 namespace finora::test {

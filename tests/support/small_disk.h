@@ -36,8 +36,14 @@ public:
     SmallDisk(const SmallDisk&) = delete;
     SmallDisk& operator=(const SmallDisk&) = delete;
 
-    bool mounted() const { return m_mounted; }
-    const std::filesystem::path& path() const { return m_path; }
+    bool mounted() const
+    {
+        return m_mounted;
+    }
+    const std::filesystem::path& path() const
+    {
+        return m_path;
+    }
 
 private:
     std::filesystem::path m_path;

@@ -17,10 +17,9 @@
 #include <QTest>
 #include <QTimer>
 #include <QTreeWidget>
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <functional>
+#include <gtest/gtest.h>
 #include <iostream>
 #include <memory>
 
@@ -62,7 +61,8 @@ inline void press(QWidget* window, int key, Qt::KeyboardModifiers modifiers = Qt
 
 // A letter key that QTest's own table does not know (Cyrillic), with the text it types; Alt and
 // the letter reach the field whose label underlines it.
-inline void pressLetter(QWidget* window, QChar letter, Qt::KeyboardModifiers modifiers = Qt::NoModifier)
+inline void pressLetter(QWidget* window, QChar letter,
+                        Qt::KeyboardModifiers modifiers = Qt::NoModifier)
 {
     activate(window);
     QWidget* target = window->focusWidget() ? window->focusWidget() : window;
@@ -88,7 +88,7 @@ inline QAction* itemShowing(const QWidget* menu, const QString& text)
 }
 
 struct OpenedMenu {
-    QMenu* menu = nullptr; // the deepest menu open
+    QMenu* menu = nullptr;   // the deepest menu open
     QAction* item = nullptr; // the last item of the path, in `menu`
 };
 
@@ -121,7 +121,8 @@ inline OpenedMenu openMenus(QMainWindow* window, const QStringList& path)
         }
         QMenu* sub = opened.item->menu();
         if (sub && opened.item->isEnabled() && i + 1 < path.size()) {
-            QTest::mouseClick(opened.menu, Qt::LeftButton, {}, opened.menu->actionGeometry(opened.item).center());
+            QTest::mouseClick(opened.menu, Qt::LeftButton, {},
+                              opened.menu->actionGeometry(opened.item).center());
             if (!QTest::qWaitFor([&] { return sub->isVisible(); }, 1000)) {
                 ADD_FAILURE() << path.at(i).toStdString() << " did not open";
                 return {};
@@ -160,7 +161,8 @@ inline QStringList menuTexts(QMainWindow* window, const QStringList& path)
     if (opened.item && opened.item->menu()) {
         QMenu* menu = opened.item->menu();
         if (path.size() > 1) { // a submenu opens at a click on its item
-            QTest::mouseClick(opened.menu, Qt::LeftButton, {}, opened.menu->actionGeometry(opened.item).center());
+            QTest::mouseClick(opened.menu, Qt::LeftButton, {},
+                              opened.menu->actionGeometry(opened.item).center());
             (void)QTest::qWaitFor([&] { return menu->isVisible(); }, 1000);
         }
         for (QAction* a : menu->actions()) {
@@ -183,7 +185,8 @@ inline void chooseMenu(QMainWindow* window, const QStringList& path)
         return;
     }
     ASSERT_TRUE(opened.item->isEnabled()) << path.back().toStdString() << " is disabled";
-    QTest::mouseClick(opened.menu, Qt::LeftButton, {}, opened.menu->actionGeometry(opened.item).center());
+    QTest::mouseClick(opened.menu, Qt::LeftButton, {},
+                      opened.menu->actionGeometry(opened.item).center());
 }
 
 // The button of `parent` that shows `text` (compared without the '&'), or null.
@@ -239,8 +242,7 @@ inline void click(QAbstractButton* button)
 }
 
 // The widget of `parent` named `name`, or null with a failure.
-template <class Widget = QWidget>
-Widget* child(const QObject* parent, const char* name)
+template <class Widget = QWidget> Widget* child(const QObject* parent, const char* name)
 {
     auto* found = parent->findChild<Widget*>(QString::fromLatin1(name));
     if (!found) {
@@ -251,12 +253,14 @@ Widget* child(const QObject* parent, const char* name)
 
 // A click, or a double click, on an item of a list, a table or a tree, scrolled into sight first
 // as a user scrolls to it.
-inline void clickIndex(QAbstractItemView* view, const QModelIndex& index, Qt::KeyboardModifiers modifiers = {})
+inline void clickIndex(QAbstractItemView* view, const QModelIndex& index,
+                       Qt::KeyboardModifiers modifiers = {})
 {
     ASSERT_TRUE(index.isValid());
     activate(view);
     view->scrollTo(index);
-    QTest::mouseClick(view->viewport(), Qt::LeftButton, modifiers, view->visualRect(index).center());
+    QTest::mouseClick(view->viewport(), Qt::LeftButton, modifiers,
+                      view->visualRect(index).center());
 }
 
 inline void doubleClickIndex(QAbstractItemView* view, const QModelIndex& index)
@@ -267,12 +271,14 @@ inline void doubleClickIndex(QAbstractItemView* view, const QModelIndex& index)
 }
 
 // The middle of the item's row: its first column may be a hidden one.
-inline void clickItem(QTreeWidget* tree, QTreeWidgetItem* item, Qt::KeyboardModifiers modifiers = {})
+inline void clickItem(QTreeWidget* tree, QTreeWidgetItem* item,
+                      Qt::KeyboardModifiers modifiers = {})
 {
     ASSERT_NE(item, nullptr);
     activate(tree);
     tree->scrollToItem(item);
-    QTest::mouseClick(tree->viewport(), Qt::LeftButton, modifiers, tree->visualItemRect(item).center());
+    QTest::mouseClick(tree->viewport(), Qt::LeftButton, modifiers,
+                      tree->visualItemRect(item).center());
 }
 
 inline void doubleClickItem(QTreeWidget* tree, QTreeWidgetItem* item)
@@ -286,9 +292,10 @@ inline void doubleClickItem(QTreeWidget* tree, QTreeWidgetItem* item)
 inline void clickHeader(QHeaderView* header, int section)
 {
     activate(header);
-    QTest::mouseClick(header->viewport(), Qt::LeftButton, {},
-                      QPoint(header->sectionViewportPosition(section) + header->sectionSize(section) / 2,
-                             header->height() / 2));
+    QTest::mouseClick(
+        header->viewport(), Qt::LeftButton, {},
+        QPoint(header->sectionViewportPosition(section) + header->sectionSize(section) / 2,
+               header->height() / 2));
 }
 
 // Opens the drop-down with the mouse and clicks the item, as a user picks from a list. (Offscreen
@@ -300,7 +307,8 @@ inline void pickFromList(QComboBox* combo, const QString& text)
     activate(combo);
     QTest::mouseClick(combo, Qt::LeftButton);
     QAbstractItemView* view = combo->view();
-    ASSERT_TRUE(QTest::qWaitFor([&] { return view->isVisible(); }, 1000)) << "the list did not open";
+    ASSERT_TRUE(QTest::qWaitFor([&] { return view->isVisible(); }, 1000))
+        << "the list did not open";
     const int row = combo->findText(text);
     ASSERT_GE(row, 0) << text.toStdString();
     const QModelIndex index = view->model()->index(row, 0);
@@ -310,7 +318,8 @@ inline void pickFromList(QComboBox* combo, const QString& text)
     if (view->isVisible()) {
         QTest::keyClick(view, Qt::Key_Return);
     }
-    ASSERT_TRUE(QTest::qWaitFor([&] { return !view->isVisible(); }, 1000)) << "the list did not close";
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !view->isVisible(); }, 1000))
+        << "the list did not close";
     QCoreApplication::processEvents(); // what follows the closing, before the user's next move
 }
 
@@ -432,7 +441,8 @@ public:
             }
             if (modal && ++m_ticks >= 6) { // three seconds unanswered
                 saveShots(QStringLiteral("unexpected-dialog"));
-                ADD_FAILURE() << "an unexpected dialog stayed open: " << modal->windowTitle().toStdString();
+                ADD_FAILURE() << "an unexpected dialog stayed open: "
+                              << modal->windowTitle().toStdString();
                 if (auto* dialog = qobject_cast<QDialog*>(modal)) {
                     dialog->reject();
                 } else {
