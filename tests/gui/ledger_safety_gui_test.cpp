@@ -9,6 +9,7 @@
 #include "settings/memory_settings_store.h"
 #include "storage/file_io.h"
 #include "storage/ledger_format.h"
+#include "support/desktop_session.h"
 #include "support/file_bytes.h"
 #include "support/scripted_host.h"
 #include "support/user.h"
@@ -29,24 +30,21 @@ using namespace finora::test;
 
 namespace {
 
-class LedgerSafetyTest : public ::testing::Test {
+class LedgerSafetyTest : public DesktopSession {
 protected:
     LedgerSafetyTest()
     {
-        m_first = file("дом.fnr");
-        writeFile(m_first.toStdString(), serializeLedger(generateLedger(500, 3)));
-        m_frame = makeFrame(m_prompter, m_host);
-        user::bringUp(m_frame.get());
+        writeGenerated(QStringLiteral("дом.fnr"), 500, 3);
+        startFrame();
         // The user opens the ledger and saves it once, so it has its backup.
-        m_host.openPaths = {m_first.toStdString()};
-        user::press(m_frame.get(), Qt::Key_O, Qt::ControlModifier);
-        EXPECT_EQ(m_frame->document().path(), m_first.toStdString());
+        openWithKeys(m_file);
+        EXPECT_EQ(m_frame->document().path(), m_file.toStdString());
         user::press(m_frame.get(), Qt::Key_S, Qt::ControlModifier);
         // The backup is written beside, on its own thread, and appears whole.
         EXPECT_TRUE(
-            QTest::qWaitFor([&] { return QFile::exists(m_first + QStringLiteral(".bak")); }, 5000));
-        m_ledgerBefore = bytesOf(m_first);
-        m_backupBefore = bytesOf(m_first + QStringLiteral(".bak"));
+            QTest::qWaitFor([&] { return QFile::exists(m_file + QStringLiteral(".bak")); }, 5000));
+        m_ledgerBefore = bytesOf(m_file);
+        m_backupBefore = bytesOf(m_file + QStringLiteral(".bak"));
         EXPECT_FALSE(m_backupBefore.empty());
         m_prompter.clear();
     }
@@ -82,8 +80,8 @@ protected:
     }
     void expectFirstLedgerWhole()
     {
-        EXPECT_EQ(bytesOf(m_first), m_ledgerBefore);
-        EXPECT_EQ(bytesOf(m_first + QStringLiteral(".bak")), m_backupBefore);
+        EXPECT_EQ(bytesOf(m_file), m_ledgerBefore);
+        EXPECT_EQ(bytesOf(m_file + QStringLiteral(".bak")), m_backupBefore);
     }
     void expectOpenError(const QString& path)
     {
@@ -92,13 +90,6 @@ protected:
         EXPECT_NE(m_prompter.messages().back().text.find(path.toStdString()), std::string::npos);
     }
 
-    QTemporaryDir m_dir;
-    MemorySettingsStore m_store;
-    FixedClock m_clock{DateTime::fromParts(2026, 11, 1, 12)};
-    ScriptedHost m_host;
-    RecordingPrompter m_prompter{Answer::Yes};
-    QString m_first;
-    std::unique_ptr<CMainFrame> m_frame;
     std::string m_ledgerBefore;
     std::string m_backupBefore;
 };
@@ -143,7 +134,7 @@ TEST_F(LedgerSafetyTest, TheListPaintedUnderAMessageHalfWayThroughACommandShowsN
     auto frame = makeFrame(prompter, host);
     user::bringUp(frame.get());
     QTableView* table = frame->view().table();
-    host.openPaths = {m_first.toStdString()};
+    host.openPaths = {m_file.toStdString()};
     user::press(frame.get(), Qt::Key_O, Qt::ControlModifier);
     ASSERT_EQ(visibleDescriptions(table).size(), 5);
     ASSERT_FALSE(visibleDescriptions(table).front().isEmpty());
@@ -186,9 +177,9 @@ TEST_F(LedgerSafetyTest, TheListPaintedUnderAMessageHalfWayThroughACommandShowsN
 TEST_F(LedgerSafetyTest, CtrlOOfABadFileLeavesAnUntitledLedgerAndCtrlSAsksForAName)
 {
     for (const QString& bad : {corruptFile(), file("липсващ.fnr"), m_dir.path()}) {
-        m_host.openPaths = {m_first.toStdString()};
+        m_host.openPaths = {m_file.toStdString()};
         user::press(m_frame.get(), Qt::Key_O, Qt::ControlModifier);
-        ASSERT_EQ(m_frame->document().path(), m_first.toStdString());
+        ASSERT_EQ(m_frame->document().path(), m_file.toStdString());
         m_host.openPaths = {bad.toStdString()};
         user::press(m_frame.get(), Qt::Key_O, Qt::ControlModifier);
         expectOpenError(bad);
@@ -226,7 +217,7 @@ TEST_F(LedgerSafetyTest, ARecentFileThatIsGoneLeavesAnUntitledLedger)
 {
     const QString gone = file("стар.fnr");
     writeFile(gone.toStdString(), serializeLedger(generateLedger(20, 5)));
-    m_host.openPaths = {gone.toStdString(), m_first.toStdString()};
+    m_host.openPaths = {gone.toStdString(), m_file.toStdString()};
     user::press(m_frame.get(), Qt::Key_O, Qt::ControlModifier);
     user::press(m_frame.get(), Qt::Key_O, Qt::ControlModifier);
     QFile::remove(gone);
@@ -281,7 +272,7 @@ TEST_F(LedgerSafetyTest, ImportNeverTouchesTheOpenLedgersPath)
                                      QStringLiteral("Импортиране на данни от друг документ ...")});
     EXPECT_EQ(m_host.openCaptions.back(), "Импортиране на данни от друг документ");
     EXPECT_EQ(m_prompter.messages().back().icon, MessageIcon::Error);
-    EXPECT_EQ(m_frame->document().path(), m_first.toStdString());
+    EXPECT_EQ(m_frame->document().path(), m_file.toStdString());
     EXPECT_EQ(m_frame->document().operationCount(), 500u);
     EXPECT_FALSE(m_frame->document().isModified());
 
@@ -290,11 +281,11 @@ TEST_F(LedgerSafetyTest, ImportNeverTouchesTheOpenLedgersPath)
     m_host.openPaths = {other.toStdString()};
     user::chooseMenu(m_frame.get(), {QStringLiteral("Файл"),
                                      QStringLiteral("Импортиране на данни от друг документ ...")});
-    EXPECT_EQ(m_frame->document().path(), m_first.toStdString());
+    EXPECT_EQ(m_frame->document().path(), m_file.toStdString());
     EXPECT_GT(m_frame->document().operationCount(), 500u);
     expectFirstLedgerWhole(); // nothing written until the user saves
     user::press(m_frame.get(), Qt::Key_S, Qt::ControlModifier);
-    EXPECT_NE(bytesOf(m_first), m_ledgerBefore);
+    EXPECT_NE(bytesOf(m_file), m_ledgerBefore);
     EXPECT_EQ(bytesOf(other), serializeLedger(generateLedger(30, 8)));
 }
 
@@ -304,7 +295,7 @@ TEST_F(LedgerSafetyTest, ASecondWindowIsWarnedAndItsReadOnlyCopyCannotSaveOverTh
     ScriptedHost host2;
     auto second = makeFrame(prompter2, host2);
     user::bringUp(second.get());
-    host2.openPaths = {m_first.toStdString()};
+    host2.openPaths = {m_file.toStdString()};
     prompter2.queue(Answer::No);
     user::press(second.get(), Qt::Key_O, Qt::ControlModifier);
     ASSERT_EQ(prompter2.messages().size(), 1u);
@@ -312,7 +303,7 @@ TEST_F(LedgerSafetyTest, ASecondWindowIsWarnedAndItsReadOnlyCopyCannotSaveOverTh
     EXPECT_NE(prompter2.messages().back().text.find("вече е отворен от"), std::string::npos);
     EXPECT_EQ(second->document().path(), "");
 
-    host2.openPaths = {m_first.toStdString()};
+    host2.openPaths = {m_file.toStdString()};
     prompter2.queue(Answer::Yes);
     user::press(second.get(), Qt::Key_O, Qt::ControlModifier);
     EXPECT_EQ(second->document().operationCount(), 500u);
@@ -329,12 +320,12 @@ TEST_F(LedgerSafetyTest, ASecondWindowIsWarnedAndItsReadOnlyCopyCannotSaveOverTh
     prompter2.queue(Answer::No);
     user::press(second.get(), Qt::Key_S, Qt::ControlModifier);
     EXPECT_EQ(prompter2.messages().back().text,
-              DocumentStorage::readOnlyDocumentText(m_first.toStdString()));
+              DocumentStorage::readOnlyDocumentText(m_file.toStdString()));
     expectFirstLedgerWhole();
 
     // Closing the first window lets the ledger go.
     m_frame.reset();
-    EXPECT_FALSE(LedgerLock::liveHolder(m_first.toStdString()).has_value());
+    EXPECT_FALSE(LedgerLock::liveHolder(m_file.toStdString()).has_value());
     prompter2.queue(Answer::No); // do not keep the deletions
     second->close();
 }
@@ -353,26 +344,25 @@ TEST_F(LedgerSafetyTest, ALedgerChangedByTheCommandLineIsNotSavedOverSilently)
     writeFile(other.toStdString(), serializeLedger(generateLedger(40, 9)));
     MemorySettingsStore cliOptions;
     std::ostringstream out, err;
-    EXPECT_EQ(
-        cli::run({"import", m_first.toStdString(), other.toStdString()}, out, err, cliOptions),
-        cli::kHeld);
+    EXPECT_EQ(cli::run({"import", m_file.toStdString(), other.toStdString()}, out, err, cliOptions),
+              cli::kHeld);
     expectFirstLedgerWhole();
-    EXPECT_EQ(cli::run({"import", m_first.toStdString(), other.toStdString(), "--force"}, out, err,
+    EXPECT_EQ(cli::run({"import", m_file.toStdString(), other.toStdString(), "--force"}, out, err,
                        cliOptions),
               0);
-    const std::string imported = bytesOf(m_first);
+    const std::string imported = bytesOf(m_file);
 
     // Ctrl+S asks; Cancel writes nothing and keeps the changes.
     m_prompter.queue(Answer::Cancel);
     user::press(m_frame.get(), Qt::Key_S, Qt::ControlModifier);
     EXPECT_EQ(m_prompter.messages().back().caption, DocumentStorage::kChangedCaption);
-    EXPECT_EQ(bytesOf(m_first), imported);
+    EXPECT_EQ(bytesOf(m_file), imported);
     EXPECT_TRUE(m_frame->isWindowModified());
     // "No" saves under another name.
     m_prompter.queue(Answer::No);
     m_host.paths = {file("мой.fnr").toStdString()};
     user::press(m_frame.get(), Qt::Key_S, Qt::ControlModifier);
-    EXPECT_EQ(bytesOf(m_first), imported);
+    EXPECT_EQ(bytesOf(m_file), imported);
     EXPECT_EQ(m_frame->document().path(), file("мой.fnr").toStdString());
     EXPECT_TRUE(m_frame->windowTitle().startsWith(QStringLiteral("мой.fnr")));
 }

@@ -16,39 +16,20 @@ class ScriptedHost final : public DocumentHost {
 public:
     std::optional<std::string> chooseOpenPath(const std::string& caption) override
     {
-        if (whileOpen) {
-            whileOpen();
-        }
+        runWhileOpen();
         openCaptions.push_back(caption);
-        if (openPaths.empty()) {
-            return std::nullopt;
-        }
-        auto p = openPaths.front();
-        openPaths.pop_front();
-        return p;
+        return next(openPaths);
     }
     std::optional<std::string> chooseSavePath() override
     {
-        if (whileOpen) {
-            whileOpen();
-        }
+        runWhileOpen();
         ++dialogs;
-        if (paths.empty()) {
-            return std::nullopt;
-        }
-        auto p = paths.front();
-        paths.pop_front();
-        return p;
+        return next(paths);
     }
     std::optional<std::string> chooseExportPath(const ExportRequest& request) override
     {
         exportRequests.push_back(request);
-        if (exportPaths.empty()) {
-            return std::nullopt;
-        }
-        auto p = exportPaths.front();
-        exportPaths.pop_front();
-        return p;
+        return next(exportPaths);
     }
     void exitProgram(int status) override { exits.push_back(status); }
 
@@ -61,6 +42,24 @@ public:
     std::function<void()> whileOpen;
     std::vector<std::string> openCaptions;
     std::vector<int> exits;
+
+private:
+    void runWhileOpen() const
+    {
+        if (whileOpen) {
+            whileOpen();
+        }
+    }
+    // The next scripted answer; none left cancels.
+    template <class Answer> static std::optional<std::string> next(std::deque<Answer>& queue)
+    {
+        if (queue.empty()) {
+            return std::nullopt;
+        }
+        std::optional<std::string> answer = queue.front();
+        queue.pop_front();
+        return answer;
+    }
 };
 
 } // namespace finora::test
