@@ -14,11 +14,14 @@
 #include <QPushButton>
 #include <QToolButton>
 #include <QVBoxLayout>
+#include <utility>
 
 namespace finora {
 
-// The chart frame. A picture is kept only for the size it was drawn at: once the frame is
-// resized the old picture no longer fits, and the frame asks for "обнови" instead.
+// The chart frame. A drawing is shown as it is once; every later repaint (something covered
+// the frame, a menu closed over it) keeps the picture but writes the request to press "обнови"
+// over it, which is how the chart is refreshed. After a resize the picture no longer fits and
+// only the request is shown.
 class YearlyChartDialog::Frame final : public QWidget {
 public:
     explicit Frame(QWidget* parent) : QWidget(parent)
@@ -34,6 +37,7 @@ public:
         m_picture.setDevicePixelRatio(devicePixelRatioF());
         QPainter painter(&m_picture);
         chart.draw(painter, rect());
+        m_fresh = true;
         update();
     }
     const QPixmap& picture() const { return m_picture; }
@@ -44,9 +48,13 @@ protected:
         QPainter painter(this);
         if (!m_picture.isNull() && m_picture.deviceIndependentSize().toSize() == size()) {
             painter.drawPixmap(0, 0, m_picture);
-            return;
+            if (std::exchange(m_fresh, false)) {
+                return;
+            }
+        } else {
+            painter.fillRect(rect(), palette().window());
         }
-        painter.fillRect(rect(), palette().window());
+        // QPainter's background mode is transparent: the text lies over the picture.
         painter.setPen(palette().windowText().color());
         painter.drawText(rect().adjusted(12, 12, -12, -12), Qt::AlignCenter | Qt::TextWordWrap,
                          QString::fromUtf8(kRepaintText));
@@ -54,6 +62,7 @@ protected:
 
 private:
     QPixmap m_picture;
+    bool m_fresh = false;
 };
 
 YearlyChartDialog::YearlyChartDialog(const CFinoraDoc& doc, int year, Prompter& prompter,

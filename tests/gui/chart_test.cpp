@@ -10,6 +10,7 @@
 #include <QImage>
 #include <QLineEdit>
 #include <QPainter>
+#include <QScreen>
 #include <QSizeGrip>
 #include <QTemporaryDir>
 #include <QToolButton>
@@ -102,6 +103,57 @@ protected:
         return pixelsOf(frame->grab().toImage(), qRgb(0, 255, 0));
     }
 };
+
+// What the screen shows of a widget: its window's backing store, not a fresh rendering.
+QImage onScreen(QWidget* widget)
+{
+    QApplication::processEvents();
+    const QPoint at = widget->mapTo(widget->window(), QPoint(0, 0));
+    return widget->screen()
+        ->grabWindow(widget->window()->winId(), at.x(), at.y(), widget->width(), widget->height())
+        .toImage()
+        .convertToFormat(QImage::Format_RGB32);
+}
+
+// Dark pixels in the middle band of the frame, where the request to refresh is written.
+int darkInTheMiddle(const QImage& image)
+{
+    int n = 0;
+    for (int y = image.height() * 2 / 5; y < image.height() * 3 / 5; ++y) {
+        for (int x = 0; x < image.width(); ++x) {
+            n += qGray(image.pixel(x, y)) < 64 ? 1 : 0;
+        }
+    }
+    return n;
+}
+
+TEST_F(YearlyChart, ARepaintAfterTheDrawingAsksForObnoviOverThePicture)
+{
+    user::ExpectDialog chart([&](QDialog* d) {
+        QWidget* frame = user::child<QWidget>(d, "chartFrame");
+        ASSERT_NE(frame, nullptr);
+        const QImage drawn = onScreen(frame);
+        ASSERT_GT(pixelsOf(drawn, qRgb(0, 255, 0)), 200);
+
+        // Any later paint of the frame (the window system asks for one when the window's kept
+        // image is lost) writes the request over the picture, which stays under it.
+        frame->update();
+        const QImage covered = onScreen(frame);
+        EXPECT_GT(darkInTheMiddle(covered), darkInTheMiddle(drawn) + 100);
+        EXPECT_GT(pixelsOf(covered, qRgb(0, 255, 0)), pixelsOf(drawn, qRgb(0, 255, 0)) / 2);
+        frame->update();
+        EXPECT_EQ(onScreen(frame), covered);
+
+        // "обнови" draws the chart again, without the request.
+        user::click(user::button(d, QStringLiteral("обнови")));
+        EXPECT_EQ(onScreen(frame), drawn);
+        user::click(user::button(d, QStringLiteral("изход")));
+    });
+    user::chooseMenu(m_frame.get(),
+                     {QStringLiteral("Данни"),
+                      QStringLiteral("Диаграма за приходите и разходите през годината ...")});
+    chart.verify();
+}
 
 TEST_F(YearlyChart, DrawsTheYearStepsAndAsksForARefreshAfterAResize)
 {
