@@ -1,16 +1,16 @@
 // Speed of the operations a user waits for, at 10k, 100k and 1M operations.
-#include "demo/ledger_generator.h"
-#include "model/finora_doc.h"
-#include "model/recording_prompter.h"
-#include "model/undo_commands.h"
-#include "query/operations_list.h"
-#include "reports/currency_cash.h"
-#include "reports/yearly_summary.h"
-#include "settings/memory_settings_store.h"
-#include "storage/document_storage.h"
-#include "storage/file_io.h"
-#include "storage/ledger_import.h"
-#include "text/cp1251.h"
+#include "core/demo/ledger_generator.h"
+#include "core/model/finora_doc.h"
+#include "core/model/recording_prompter.h"
+#include "core/model/undo_commands.h"
+#include "core/query/operations_list.h"
+#include "core/reports/currency_cash.h"
+#include "core/reports/yearly_summary.h"
+#include "core/settings/memory_settings_store.h"
+#include "core/storage/document_storage.h"
+#include "core/storage/file_io.h"
+#include "core/storage/ledger_import.h"
+#include "core/text/cp1251.h"
 
 #include <algorithm>
 #include <benchmark/benchmark.h>

@@ -1,7 +1,7 @@
 // Any bytes as a ".ffl" filter file: refused whole, or read to a filter that survives being
 // written and read again. (Written bytes may differ from the input: a file may use a longer
 // length prefix, or any non-zero flag, where the writer uses the shortest form and 1.)
-#include "storage/filter_file.h"
+#include "core/storage/filter_file.h"
 
 #include <cstdint>
 #include <cstdlib>

@@ -1,11 +1,11 @@
 // Any bytes as a ledger to import into a small ledger: whatever they hold, the import either
 // refuses them or adds and skips operations so that every one is accounted for.
-#include "demo/ledger_generator.h"
-#include "model/finora_doc.h"
-#include "model/recording_prompter.h"
-#include "storage/byte_reader.h"
-#include "storage/ledger_format.h"
-#include "storage/ledger_import.h"
+#include "core/demo/ledger_generator.h"
+#include "core/model/finora_doc.h"
+#include "core/model/recording_prompter.h"
+#include "core/storage/byte_reader.h"
+#include "core/storage/ledger_format.h"
+#include "core/storage/ledger_import.h"
 
 #include <cstdint>
 #include <cstdlib>

@@ -1,7 +1,7 @@
 // Any bytes as a ledger file: the reader must fail cleanly or give a ledger that writes back
 // and reads again to the same bytes.
-#include "storage/byte_reader.h"
-#include "storage/ledger_format.h"
+#include "core/storage/byte_reader.h"
+#include "core/storage/ledger_format.h"
 
 #include <cstdint>
 #include <cstdlib>
@@ -16,7 +16,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     ByteReader reader(bytes);
     const ReadResult result = readLedger(reader, ledger, [](double) { return true; });
     if (result.status != ReadStatus::Ok) {
-        if (!ledger.operations.empty() || !ledger.categories.empty() || !ledger.currencies.empty()) {
+        if (!ledger.operations.empty() || !ledger.categories.empty() ||
+            !ledger.currencies.empty()) {
             std::abort();
         }
         return 0;

@@ -1,6 +1,6 @@
 // Any bytes as a lock file beside a ledger: refused, or read to an owner whose text reads back
 // to the same owner; its description for the user is always made.
-#include "storage/ledger_lock.h"
+#include "core/storage/ledger_lock.h"
 
 #include <cstdint>
 #include <cstdlib>

@@ -1,7 +1,7 @@
 // The same bytes read through the streaming path the program uses for files, with a source that
 // hands them out in awkward pieces; it must agree with reading them from one buffer.
-#include "storage/byte_reader.h"
-#include "storage/ledger_format.h"
+#include "core/storage/byte_reader.h"
+#include "core/storage/ledger_format.h"
 
 #include <algorithm>
 #include <cstdint>

@@ -1,14 +1,13 @@
 // Any bytes as "tips.txt", from any stored position: every tip is a non-empty piece of at most
 // 999 characters that is not a comment, and the reader always ends.
-#include "model/recording_prompter.h"
-#include "settings/memory_settings_store.h"
-#include "tips/tip_file.h"
+#include "core/model/recording_prompter.h"
+#include "core/settings/memory_settings_store.h"
+#include "core/tips/tip_file.h"
 
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
-
 #include <unistd.h>
 
 using namespace finora;
@@ -38,7 +37,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         const std::string& tip = tips.tip();
         if (!tip.empty()) {
             const char first = tip.front();
-            if (first == ' ' || first == '\t' || first == ';' || first == '\n' || tip.size() > 999 * 4) {
+            if (first == ' ' || first == '\t' || first == ';' || first == '\n' ||
+                tip.size() > 999 * 4) {
                 std::abort();
             }
         }

@@ -1,10 +1,10 @@
-#include "app/bulgarian_ui.h"
-#include "app/main_frame.h"
-#include "app/qt_document_host.h"
-#include "app/qt_prompter.h"
-#include "app/qt_settings_store.h"
-#include "app/tip_dialog.h"
 #include "finora_version.h"
+#include "gui/common/bulgarian_ui.h"
+#include "gui/common/qt_prompter.h"
+#include "gui/dialogs/tip_dialog.h"
+#include "gui/window/main_frame.h"
+#include "gui/window/qt_document_host.h"
+#include "settings_qt/qt_settings_store.h"
 
 #include <QApplication>
 #include <QIcon>

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "query/operations_list.h"
-#include "reports/print_layout.h"
-#include "reports/yearly_summary.h"
-#include "settings/settings.h"
-#include "settings/settings_store.h"
+#include "core/query/operations_list.h"
+#include "core/reports/print_layout.h"
+#include "core/reports/yearly_summary.h"
+#include "core/settings/settings.h"
+#include "core/settings/settings_store.h"
 
 #include <ostream>
 #include <string>

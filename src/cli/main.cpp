@@ -1,6 +1,6 @@
-#include "app/qt_settings_store.h"
 #include "cli/cli_app.h"
 #include "cli/qt_renderer.h"
+#include "settings_qt/qt_settings_store.h"
 
 #include <iostream>
 

@@ -1,7 +1,7 @@
 #include "cli/qt_renderer.h"
 
-#include "app/report_painter.h"
-#include "app/yearly_chart.h"
+#include "render/report_painter.h"
+#include "render/yearly_chart.h"
 
 #include <QGuiApplication>
 #include <QImage>

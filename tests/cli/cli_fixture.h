@@ -2,8 +2,8 @@
 
 // Runs finora-cli in process, in a folder of its own, with in-memory user options.
 #include "cli/cli_app.h"
-#include "settings/memory_settings_store.h"
-#include "storage/file_io.h"
+#include "core/settings/memory_settings_store.h"
+#include "core/storage/file_io.h"
 
 #include <filesystem>
 #include <fstream>

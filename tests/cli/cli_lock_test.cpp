@@ -1,10 +1,10 @@
 // finora-cli beside the desktop program and beside itself: the lock, and input that used to
 // take minutes.
 #include "cli/cli_fixture.h"
-#include "demo/ledger_generator.h"
-#include "storage/ledger_format.h"
-#include "storage/ledger_lock.h"
-#include "text/cp1251.h"
+#include "core/demo/ledger_generator.h"
+#include "core/storage/ledger_format.h"
+#include "core/storage/ledger_lock.h"
+#include "core/text/cp1251.h"
 
 #include <chrono>
 

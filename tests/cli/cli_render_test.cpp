@@ -2,8 +2,8 @@
 // platform: the PDF is read back with pdftotext and the picture pixel by pixel.
 #include "cli/cli_app.h"
 #include "cli/qt_renderer.h"
-#include "settings/memory_settings_store.h"
-#include "storage/file_io.h"
+#include "core/settings/memory_settings_store.h"
+#include "core/storage/file_io.h"
 #include "support/rendered_output.h"
 
 #include <QImage>

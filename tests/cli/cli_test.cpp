@@ -1,12 +1,12 @@
-#include "../storage/ledger_builders.h"
 #include "cli/cli_app.h"
 #include "cli/cli_fixture.h"
-#include "demo/ledger_generator.h"
-#include "settings/memory_settings_store.h"
-#include "storage/document_storage.h"
-#include "storage/file_io.h"
-#include "storage/ledger_format.h"
-#include "text/cp1251.h"
+#include "core/demo/ledger_generator.h"
+#include "core/settings/memory_settings_store.h"
+#include "core/storage/document_storage.h"
+#include "core/storage/file_io.h"
+#include "core/storage/ledger_format.h"
+#include "core/text/cp1251.h"
+#include "support/ledger_builders.h"
 
 #include <filesystem>
 #include <fstream>

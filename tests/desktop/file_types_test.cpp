@@ -1,12 +1,12 @@
 // Finora's place on the desktop: its MIME types recognise real ledgers and filter files, and the
 // desktop entry and the AppStream data name the same types, icon and version. Reads the files
 // in the source tree, or an installed tree when FINORA_INSTALLED_SHARE names its share folder.
-#include "../storage/ledger_builders.h"
-#include "demo/ledger_generator.h"
+#include "core/demo/ledger_generator.h"
+#include "core/storage/file_io.h"
+#include "core/storage/filter_file.h"
+#include "core/storage/ledger_format.h"
 #include "finora_version.h"
-#include "storage/file_io.h"
-#include "storage/filter_file.h"
-#include "storage/ledger_format.h"
+#include "support/ledger_builders.h"
 
 #include <QDir>
 #include <QFile>

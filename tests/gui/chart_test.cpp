@@ -1,7 +1,7 @@
 // The chart component drawn offscreen, and the yearly chart dialog as a user opens and drives it,
 // both looked at pixel by pixel.
-#include "chart/chart.h"
-#include "reports/yearly_summary.h"
+#include "core/reports/yearly_summary.h"
+#include "render/chart.h"
 #include "support/desktop_session.h"
 #include "support/rendered_output.h"
 #include "support/user.h"

@@ -1,11 +1,11 @@
 // The dialogs no other test goes through as a user does: each opened from the main window by its
 // key or menu, filled in with keys and clicks, closed with its button or key, and its outcome read
 // back from the window, the settings or the file.
-#include "editors/print_widths.h"
+#include "core/editors/print_widths.h"
+#include "core/text/cp1251.h"
 #include "support/desktop_session.h"
 #include "support/rendered_output.h"
 #include "support/user.h"
-#include "text/cp1251.h"
 
 #include <QDialogButtonBox>
 #include <QDir>

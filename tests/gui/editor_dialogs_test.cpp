@@ -1,9 +1,9 @@
 // The editors' dialogs, opened from the real main window by their keys and menus and driven with
 // the keyboard and the mouse.
-#include "app/help_window.h"
+#include "core/text/cp1251.h"
+#include "gui/common/help_window.h"
 #include "support/desktop_session.h"
 #include "support/user.h"
-#include "text/cp1251.h"
 
 #include <QCheckBox>
 #include <QComboBox>

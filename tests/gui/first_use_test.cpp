@@ -1,8 +1,8 @@
 // The smaller things a first-time user meets: where Tab goes, Qt's own texts in Bulgarian, the
 // title of a new ledger, windows that fit a small screen, a long report that can be stopped, and
 // a saved operation that the filter hides.
-#include "app/qt_document_host.h"
-#include "app/report_printer.h"
+#include "gui/window/qt_document_host.h"
+#include "gui/window/report_printer.h"
 #include "support/desktop_session.h"
 #include "support/user.h"
 

@@ -1,4 +1,4 @@
-#include "app/bulgarian_ui.h"
+#include "gui/common/bulgarian_ui.h"
 #include "support/user.h"
 
 #include <QApplication>

@@ -1,14 +1,14 @@
 // Every route into an open, tried as a user does, must leave the ledger that was open whole on
 // disk when the new file cannot be read; the program's exits finish their backups; a second
 // window and a change on disk are told about.
-#include "app/main_frame.h"
-#include "app/qt_document_host.h"
 #include "cli/cli_app.h"
-#include "demo/ledger_generator.h"
-#include "model/recording_prompter.h"
-#include "settings/memory_settings_store.h"
-#include "storage/file_io.h"
-#include "storage/ledger_format.h"
+#include "core/demo/ledger_generator.h"
+#include "core/model/recording_prompter.h"
+#include "core/settings/memory_settings_store.h"
+#include "core/storage/file_io.h"
+#include "core/storage/ledger_format.h"
+#include "gui/window/main_frame.h"
+#include "gui/window/qt_document_host.h"
 #include "support/desktop_session.h"
 #include "support/file_bytes.h"
 #include "support/scripted_host.h"

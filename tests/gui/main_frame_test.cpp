@@ -1,9 +1,9 @@
 // The desktop program's window as a user drives it: keys, clicks and menus opened with the mouse,
 // with scripted answers to the questions and the file choosers.
-#include "storage/filter_file.h"
+#include "core/storage/filter_file.h"
+#include "core/text/cp1251.h"
 #include "support/desktop_session.h"
 #include "support/user.h"
-#include "text/cp1251.h"
 
 #include <QAbstractItemModelTester>
 #include <QAction>

@@ -1,8 +1,8 @@
 // The main window's menus and commands as a user reaches them: the settings' submenus, the
 // filter file commands, the lock keeping the user's filter, Ctrl+D leaving the tree alone, the
 // edit menu on a right click anywhere, and the pages a print asks for.
-#include "app/report_printer.h"
-#include "editors/category_dialogs.h"
+#include "gui/dialogs/category_dialogs.h"
+#include "gui/window/report_printer.h"
 #include "support/desktop_session.h"
 #include "support/rendered_output.h"
 #include "support/user.h"

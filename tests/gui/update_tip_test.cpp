@@ -1,8 +1,8 @@
 // The help menu's update check against a server on loopback, and its tip of the day on a real file.
-#include "app/update_check.h"
+#include "core/tips/tip_file.h"
+#include "gui/window/update_check.h"
 #include "support/desktop_session.h"
 #include "support/user.h"
-#include "tips/tip_file.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,8 +1,8 @@
 // What a first-time user meets in the dialogs, tried with the keyboard and the mouse on the real
 // widgets: each test here failed on the code before its fix.
+#include "core/text/cp1251.h"
 #include "support/desktop_session.h"
 #include "support/user.h"
-#include "text/cp1251.h"
 
 #include <QAbstractItemView>
 #include <QCheckBox>

@@ -3,12 +3,12 @@
 // The desktop program as a test drives it: a main window over an in-memory settings store, a
 // scripted file chooser, a recording prompter and a fixed clock, with a generated ledger opened
 // by Ctrl+O and every entry in view.
-#include "app/main_frame.h"
-#include "demo/ledger_generator.h"
-#include "model/recording_prompter.h"
-#include "settings/memory_settings_store.h"
-#include "storage/file_io.h"
-#include "storage/ledger_format.h"
+#include "core/demo/ledger_generator.h"
+#include "core/model/recording_prompter.h"
+#include "core/settings/memory_settings_store.h"
+#include "core/storage/file_io.h"
+#include "core/storage/ledger_format.h"
+#include "gui/window/main_frame.h"
 #include "support/scripted_host.h"
 #include "support/user.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "storage/file_io.h"
+#include "core/storage/file_io.h"
 
 #include <QString>
 #include <string>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "model/document_host.h"
+#include "core/model/document_host.h"
 
 #include <deque>
 #include <functional>

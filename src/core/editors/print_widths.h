@@ -1,0 +1,37 @@
+#pragma once
+
+#include "core/model/prompter.h"
+#include "core/settings/settings.h"
+
+#include <array>
+#include <string>
+
+namespace finora {
+
+// "Настройка на полетата в отпечатаните справки": the printed columns' widths, shown in
+// millimetres and kept in tenths of a millimetre.
+struct PrintWidthField {
+    const char* label; // UTF-8
+    IntSetting key;
+};
+inline constexpr std::array<PrintWidthField, 7> kPrintWidthFields = {{
+    {"дата", IntSetting::DateWidth},
+    {"категория", IntSetting::CatWidth},
+    {"тип", IntSetting::TypeWidth},
+    {"сума", IntSetting::SumWidth},
+    {"валута", IntSetting::CurrWidth},
+    {"сума BGL", IntSetting::SumBGLWidth},
+    {"описание", IntSetting::DescrWidth},
+}};
+
+using PrintWidthTexts = std::array<std::string, kPrintWidthFields.size()>;
+
+// Each stored width ÷ 10, as the fields show it: "17", "8.5".
+PrintWidthTexts printWidthTexts(const Settings& settings);
+// "Съхрани": every field must be a number; each is stored × 10, truncated. Nothing is written
+// when one is refused.
+bool savePrintWidths(const PrintWidthTexts& texts, Settings& settings, Prompter& prompter);
+
+inline constexpr const char* kPrintWidthsTitle = "Настройка на полетата в отпечатаните справки";
+
+} // namespace finora

@@ -1,0 +1,60 @@
+#include "core/query/filter_criteria.h"
+
+#include "core/model/finora_doc.h"
+#include "core/text/cp1251.h"
+
+#include <algorithm>
+
+namespace finora {
+
+const std::string& allCurrenciesItem()
+{
+    static const std::string item = cp1251::fromUtf8OrThrow(":: ВСИЧКИ ВАЛУТИ В BGL ::");
+    return item;
+}
+
+bool FilterCriteria::allCurrencies() const
+{
+    return currency.empty() || currency == allCurrenciesItem();
+}
+
+int typeFilterFromText(std::string_view utf8)
+{
+    for (int i = 0; i < 3; ++i) {
+        if (utf8 == kTypeChoices[i]) {
+            return i;
+        }
+    }
+    return 0;
+}
+
+void resetCriteria(FilterCriteria& criteria, const CFinoraDoc& doc, const DateTime& now)
+{
+    criteria.categories.clear();
+    // By the day value alone: an entry whose status says invalid or null (older and hand-made
+    // files hold them) is in the scan like any other, and the period it gives is a valid one.
+    // A day value no calendar can show stays out of it.
+    double earliest = now.days();
+    double latest = now.days();
+    DateTimeParts shown;
+    for (const Operation& op : doc.ledger().operations) {
+        const double day = op.date().days();
+        if ((day < earliest || day > latest) && DateTime(day, DateTime::Valid).toParts(shown)) {
+            earliest = std::min(earliest, day);
+            latest = std::max(latest, day);
+        }
+    }
+    criteria.from = DateTime(earliest, DateTime::Valid);
+    criteria.to = DateTime(latest, DateTime::Valid);
+    criteria.typeFilter = 0;
+    criteria.currency = allCurrenciesItem();
+    criteria.paidState = 0;
+}
+
+void todayOnly(FilterCriteria& criteria, const DateTime& now)
+{
+    criteria.from = now;
+    criteria.to = now;
+}
+
+} // namespace finora

@@ -1,0 +1,43 @@
+#pragma once
+
+#include "core/model/date_time.h"
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace finora {
+
+class CFinoraDoc;
+
+// The texts of the type selector, in its order; the criteria keep the index.
+inline constexpr std::string_view kTypeChoices[] = {"приходи и разходи", "приходи", "разходи"};
+
+// Which operations the main list shows. Texts are Windows-1251, like the ledger's.
+struct FilterCriteria {
+    DateTime from;        // only its year, month and day count
+    DateTime to;          // likewise
+    int typeFilter = 0;   // 0 income and expense, 1 income only, 2 expense only
+    std::string currency; // a currency code, or the all-currencies item (empty means the same)
+    int paidState = 0;    // 0 all, 1 paid only, 2 unpaid only
+    std::vector<std::int32_t> categories; // empty: every category
+
+    bool allCurrencies() const;
+
+    bool operator==(const FilterCriteria&) const = default;
+};
+
+// ":: ВСИЧКИ ВАЛУТИ В BGL ::" in Windows-1251.
+const std::string& allCurrenciesItem();
+
+// The type selector's text (UTF-8) as its number; anything unknown is 0.
+int typeFilterFromText(std::string_view utf8);
+
+// "Без филтър": every category, from the earliest to the latest of now and every entry's date,
+// income and expense, all currencies, paid or not.
+void resetCriteria(FilterCriteria& criteria, const CFinoraDoc& doc, const DateTime& now);
+// Today's operations only; the rest of the criteria stays.
+void todayOnly(FilterCriteria& criteria, const DateTime& now);
+
+} // namespace finora

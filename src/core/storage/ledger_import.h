@@ -1,0 +1,36 @@
+#pragma once
+
+#include "core/model/finora_doc.h"
+#include "core/model/prompter.h"
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace finora {
+
+struct ImportResult {
+    enum class Status { Imported, Unreadable, Newer };
+    Status status = Status::Unreadable;
+    int added = 0;
+    int skipped = 0;
+    // The "Импорт-…" category (Windows-1251) when the category trees did not match.
+    std::optional<std::string> importCategory;
+    std::string message; // what the user was told at the end (UTF-8)
+};
+
+// Merges the operations of another ledger file (its bytes) into the document: categories by
+// name and parent name when both trees match, else into one new "Импорт-…" category;
+// currencies by name, added when missing; operations the document already holds are skipped.
+// The messages go through the prompter. Older formats are read without asking; the file on
+// disk is not changed.
+ImportResult importLedger(CFinoraDoc& doc, std::string_view otherFileBytes, Prompter& prompter);
+
+inline constexpr const char* kImportMismatchCaption = "Несъвпадение";
+inline constexpr const char* kImportMismatchText =
+    "По време на анализирането на импортираните данни, програмата установи, че\nструктурите на "
+    "категориите в двата документа не съвпадат.\nПо тази причина всички импортирани операции ще "
+    "бъдат записани в нова\nкатегория, автоматично създадена от програмата,\nа за Вас остава да "
+    "подредите импортираните операции по подходящ начин...";
+
+} // namespace finora

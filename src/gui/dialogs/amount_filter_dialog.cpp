@@ -1,0 +1,38 @@
+#include "gui/dialogs/amount_filter_dialog.h"
+
+#include <QCheckBox>
+#include <QDialogButtonBox>
+#include <QFormLayout>
+#include <QLineEdit>
+#include <QPushButton>
+
+namespace finora {
+
+AmountFilterDialog::AmountFilterDialog(Prompter& prompter, QWidget* parent)
+    : QDialog(parent), m_prompter(prompter), m_amount(new QLineEdit(this)),
+      m_tolerance(new QLineEdit(QStringLiteral("0"), this)),
+      m_alsoBgl(new QCheckBox(QStringLiteral("търси и в левовата равностойност"), this))
+{
+    setWindowTitle(QStringLiteral("филтриране по сума"));
+    m_amount->setObjectName(QStringLiteral("amount"));
+    m_tolerance->setObjectName(QStringLiteral("tolerance"));
+    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
+    buttons->button(QDialogButtonBox::Cancel)->setText(QStringLiteral("отказ"));
+    connect(buttons, &QDialogButtonBox::accepted, this, &AmountFilterDialog::accept);
+    connect(buttons, &QDialogButtonBox::rejected, this, &AmountFilterDialog::reject);
+    auto* layout = new QFormLayout(this);
+    layout->addRow(QStringLiteral("суми в размер на:"), m_amount);
+    layout->addRow(QStringLiteral("толеранс ±"), m_tolerance);
+    layout->addRow(m_alsoBgl);
+    layout->addRow(buttons);
+}
+
+void AmountFilterDialog::accept()
+{
+    if (readAmountFilter(m_amount->text().toStdString(), m_tolerance->text().toStdString(),
+                         m_alsoBgl->isChecked(), m_prompter, m_request)) {
+        QDialog::accept();
+    }
+}
+
+} // namespace finora

@@ -1,0 +1,27 @@
+#pragma once
+
+#include "core/editors/search_editor.h"
+
+#include <QDialog>
+
+class QCheckBox;
+class QLineEdit;
+
+namespace finora {
+
+// "филтриране по сума": an amount, a tolerance and whether to look at the BGL value too.
+class AmountFilterDialog final : public QDialog {
+public:
+    AmountFilterDialog(Prompter& prompter, QWidget* parent = nullptr);
+    void accept() override;
+    const AmountFilterRequest& request() const { return m_request; }
+
+private:
+    Prompter& m_prompter;
+    QLineEdit* m_amount;
+    QLineEdit* m_tolerance;
+    QCheckBox* m_alsoBgl;
+    AmountFilterRequest m_request;
+};
+
+} // namespace finora

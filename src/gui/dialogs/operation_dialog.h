@@ -1,0 +1,69 @@
+#pragma once
+
+#include "core/editors/operation_editor.h"
+
+#include <QDialog>
+
+class QCheckBox;
+class QComboBox;
+class QDateEdit;
+class QLabel;
+class QLineEdit;
+class QPushButton;
+class QRadioButton;
+class QTreeWidget;
+
+namespace finora {
+
+// "нова операция": shows what the editor holds and forwards what the user does. The three
+// number fields report focus changes, because the one being typed in drives the others.
+class OperationDialog final : public QDialog {
+public:
+    OperationDialog(CFinoraDoc& doc, Settings& settings, Prompter& prompter,
+                    OperationEditor::Opening opening, QWidget* parent = nullptr);
+
+    ~OperationDialog() override;
+
+    OperationEditor& editor() { return m_editor; }
+    void accept() override;
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    void showEntry();
+    void showRows();
+    void showState();
+    bool takeTexts();
+    void saveWith(bool addAnother);
+    EntryField fieldOf(QObject* edit) const;
+    // Leaving a number field that holds no number: said, and the user is taken back to it.
+    void refuseNotANumber(QLineEdit* edit, EntryField field);
+
+    CFinoraDoc& m_doc;
+    Prompter& m_prompter;
+    OperationEditor m_editor;
+    bool m_showing = false;
+
+    QDateEdit* m_date;
+    QRadioButton* m_income;
+    QRadioButton* m_expense;
+    QLineEdit* m_description;
+    QLabel* m_category;
+    QLineEdit* m_notes;
+    QLineEdit* m_amount;
+    QComboBox* m_currency;
+    QLineEdit* m_rate;
+    QLineEdit* m_value;
+    QCheckBox* m_paid;
+    QPushButton* m_addChange;
+    QTreeWidget* m_list;
+    QPushButton* m_edit;
+    QPushButton* m_delete;
+    QPushButton* m_deleteAll;
+    QLineEdit* m_total;
+    QPushButton* m_saveAndNew;
+    QPushButton* m_cancel = nullptr;
+};
+
+} // namespace finora

@@ -1,0 +1,57 @@
+#pragma once
+
+#include "core/model/finora_doc.h"
+#include "core/model/prompter.h"
+#include "core/reports/yearly_summary.h"
+#include "render/chart.h"
+
+#include <QDialog>
+#include <QPixmap>
+#include <memory>
+
+class QLineEdit;
+
+namespace finora {
+
+// "Диаграма на приходите и разходите по месеци ...": two bars a month, income and expense in
+// BGL, for the year in the field, from every operation of the ledger.
+class YearlyChartDialog final : public QDialog {
+public:
+    enum class DrawMode { First = 0, YearChanged = 1, Refresh = 2 };
+
+    YearlyChartDialog(const CFinoraDoc& doc, int year, Prompter& prompter,
+                      QWidget* parent = nullptr);
+    ~YearlyChartDialog() override;
+
+    int year() const { return m_year; }
+    const YearlySummary& summary() const { return m_summary; }
+    const Chart& chart() const { return *m_chart; }
+    // The chart as last drawn.
+    const QPixmap& picture() const;
+    void draw(DrawMode mode);
+    void stepYear(int step);
+    // Writes the chart as PNG; a failure is said.
+    bool savePicture(const QString& path) const;
+
+    static constexpr int kSpinMinimum = 2000;
+    static constexpr int kSpinMaximum = 2020;
+    static constexpr const char* kRepaintText =
+        "кликнете бутона \"обнови\" за опресняване на графиката...";
+
+protected:
+    void showEvent(QShowEvent* event) override;
+
+private:
+    class Frame;
+
+    const CFinoraDoc& m_doc;
+    Prompter& m_prompter;
+    int m_year;
+    YearlySummary m_summary;
+    std::unique_ptr<Chart> m_chart;
+    bool m_drawn = false;
+    Frame* m_frame;
+    QLineEdit* m_yearEdit;
+};
+
+} // namespace finora

@@ -1,0 +1,110 @@
+#pragma once
+
+#include "core/editors/operation_editor.h"
+#include "core/lock/lock_commands.h"
+#include "core/model/clock.h"
+#include "core/model/document_host.h"
+#include "core/model/finora_doc.h"
+#include "core/settings/settings.h"
+#include "core/storage/backup_writer.h"
+#include "core/storage/document_storage.h"
+#include "gui/window/finora_view.h"
+#include "gui/window/report_printer.h"
+
+#include <QMainWindow>
+
+class QAction;
+class QMenu;
+
+namespace finora {
+
+// The main window: the ledger document, its view, the menus and the status bar. Every message
+// goes through the prompter and every file name for a first save through the host, so tests can
+// drive the window with scripted answers.
+class CMainFrame final : public QMainWindow {
+public:
+    CMainFrame(SettingsStore& store, Prompter& prompter, DocumentHost& host, const Clock& clock,
+               QWidget* parent = nullptr);
+    ~CMainFrame() override;
+
+    CFinoraDoc& document() { return m_doc; }
+    CFinoraView& view() { return *m_view; }
+    // The action of a command by its object name ("actionRefresh", …), for tests and toolbars.
+    QAction* action(const char* objectName) const;
+    ReportPrinter& report() { return m_report; }
+
+    // A new, empty ledger; false when the user cancelled the save-changes question.
+    bool newLedger();
+    // Opens a ledger; false when it could not be opened or the user cancelled. A ledger that
+    // could not be read leaves a new, untitled one, never the old one under its path.
+    bool openLedger(const QString& path);
+    // True while the open ledger may not be written over (another program holds it, or its
+    // file is write-protected).
+    bool isReadOnly() const { return m_storage.isReadOnly(); }
+    // The file named on the command line, else the last one used when `AutoOpen` is on; a filter
+    // file (".ffl") on the command line is applied to the latter.
+    bool startUp(const QStringList& arguments);
+    // Up to four ledgers, the latest first.
+    QStringList recentFiles() const;
+
+    static constexpr const char* kCalculatorMissingText =
+        "Калкулаторът на Windows не беше открит. Моля, инсталирайте го.";
+
+    // "За програмата ...": the version, the licence and the Qt it runs on.
+    static Message aboutMessage();
+
+    static constexpr const char* kIdleText = "Finora е в състояние на готовност ...";
+    // After a save the filter hides: how many of all the operations it hides.
+    static constexpr const char* kSavedButHiddenText =
+        "Записаната операция не се вижда в списъка: филтърът скрива %1 от %2 операции.";
+    // The title's name of a ledger that has never been saved.
+    static constexpr const char* kUntitledName = "Без име";
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
+
+private:
+    void createActions();
+    void updateTitle();
+    void updateCommands();
+    void openWithDialog();
+    void saveAs();
+    // "&Отмени" and "&Възстанови": the list and the filter panel follow the ledger.
+    void undoOrRedo(bool undo);
+    void refreshAfterLockChange();
+    void search();
+    void filterByAmount();
+    // The operation editor, again and again while the user asks for another one.
+    void editOperation(OperationEditor::Opening opening);
+    void editSelectedOperation();
+    void tellWhenHidden(std::int32_t lastIdBefore, std::int32_t editedId);
+    // Dialogs that change categories or currencies: the panel shows the new ones afterwards.
+    template <class Dialog> void runLedgerDialog(Dialog& dialog);
+    void importLedgerFile();
+    // The host's save dialog for an export; the extension is added when the name lacks it.
+    std::optional<std::string> chooseExportFile(const char* title, const char* filter,
+                                                std::string_view extension);
+    void exportReportPdf();
+    // "Запиши списъка като CSV ...": the rows and columns the list shows now.
+    void exportListCsv();
+    void startCalculator();
+    void rememberRecent(const QString& path);
+    void fillRecentMenu();
+    void afterOpen();
+    PasswordAsker askPassword();
+
+    Settings m_settings;
+    Prompter& m_prompter;
+    DocumentHost& m_host;
+    CFinoraDoc m_doc;
+    BackupWriter m_backups;
+    DocumentStorage m_storage;
+    CFinoraView* m_view;
+    SettingsStore& m_store;
+    QMenu* m_recentMenu = nullptr;
+    ReportPrinter m_report;
+};
+
+} // namespace finora

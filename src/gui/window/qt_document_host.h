@@ -1,0 +1,31 @@
+#pragma once
+
+#include "core/model/document_host.h"
+
+#include <optional>
+
+class QWidget;
+
+namespace finora {
+
+// File dialogs and ending the program, for the desktop program.
+class QtDocumentHost final : public DocumentHost {
+public:
+    explicit QtDocumentHost(QWidget* parent = nullptr) : m_parent(parent) {}
+    void setParent(QWidget* parent) { m_parent = parent; }
+    std::optional<std::string> chooseSavePath() override;
+    std::optional<std::string> chooseOpenPath(const std::string& caption) override;
+    std::optional<std::string> chooseExportPath(const ExportRequest& request) override;
+    // Leaves the event loop with `status`; asked before the loop runs, main() returns it.
+    // Either way every destructor runs, so queued backups are finished and locks let go.
+    void exitProgram(int status) override;
+    std::optional<int> exitRequested() const { return m_exitStatus; }
+
+    static const char* const kLedgerFilter;
+
+private:
+    QWidget* m_parent;
+    std::optional<int> m_exitStatus;
+};
+
+} // namespace finora

@@ -1,0 +1,113 @@
+#include "gui/window/report_printer.h"
+
+#include "render/report_painter.h"
+
+#include <QGuiApplication>
+#include <QPageSetupDialog>
+#include <QPrintDialog>
+#include <QPrintPreviewDialog>
+#include <QProgressDialog>
+#include <algorithm>
+
+namespace finora {
+
+ReportPrinter::ReportPrinter(const CFinoraDoc& doc, const OperationsList& list,
+                             const Settings& settings)
+    : m_doc(doc), m_list(list), m_settings(settings),
+      m_printer(std::make_unique<QPrinter>(QPrinter::HighResolution))
+{}
+
+namespace {
+
+// The pages the print dialog asked for; all of them unless a range was chosen.
+ReportPages chosenPages(const QPrinter& printer)
+{
+    if (printer.printRange() == QPrinter::PageRange && printer.fromPage() > 0) {
+        return {printer.fromPage(), printer.toPage()};
+    }
+    return {};
+}
+
+} // namespace
+
+int ReportPrinter::paint(QPrinter& printer, bool selectionOnly) const
+{
+    return paintReport(printer, m_list, reportContext(m_doc, m_list), m_settings, selectionOnly, {},
+                       chosenPages(printer));
+}
+
+ReportPrinter::Painted ReportPrinter::paintShowingProgress(QPrinter& printer, bool selectionOnly,
+                                                           QWidget* parent) const
+{
+    // A report of a hundred thousand rows is two thousand pages: the user sees how far it has
+    // come and may stop it, and the window is not frozen meanwhile.
+    QProgressDialog progress(QString::fromUtf8(kPreparingText), QStringLiteral("Отказ"), 0, 1,
+                             parent);
+    progress.setObjectName(QStringLiteral("reportProgress"));
+    progress.setWindowTitle(QStringLiteral("Справка"));
+    progress.setWindowModality(Qt::WindowModal);
+    progress.setMinimumDuration(kProgressAfterMs);
+    QGuiApplication::setOverrideCursor(Qt::WaitCursor);
+    Painted painted;
+    painted.pages = paintReport(
+        printer, m_list, reportContext(m_doc, m_list), m_settings, selectionOnly,
+        [&](int page, int count) {
+            progress.setMaximum(count);
+            progress.setLabelText(QString::fromUtf8(kPreparingText) +
+                                  QStringLiteral("\nстраница %1 от %2").arg(page).arg(count));
+            progress.setValue(page - 1);
+            painted.stopped = progress.wasCanceled();
+            return !painted.stopped;
+        },
+        chosenPages(printer));
+    QGuiApplication::restoreOverrideCursor();
+    return painted;
+}
+
+void ReportPrinter::print(QWidget* parent)
+{
+    QPrintDialog dialog(m_printer.get(), parent);
+    dialog.setOption(QAbstractPrintDialog::PrintSelection, m_list.selectedCount() > 0);
+    dialog.setOption(QAbstractPrintDialog::PrintPageRange, true);
+    const bool landscape = m_printer->pageLayout().orientation() == QPageLayout::Landscape;
+    dialog.setMinMax(
+        1, std::max(
+               1, planReport(m_list.rowCount(), m_list.selectedCount(), false, landscape).maxPage));
+    if (dialog.exec() == QDialog::Accepted) {
+        const Painted painted = paintShowingProgress(
+            *m_printer, m_printer->printRange() == QPrinter::Selection, parent);
+        if (painted.pages == 0 || painted.stopped || m_printer->printerState() == QPrinter::Error) {
+            m_printer->abort(); // a stopped job is not half printed
+        }
+    }
+}
+
+void ReportPrinter::preview(QWidget* parent)
+{
+    QPrintPreviewDialog dialog(m_printer.get(), parent);
+    dialog.setWindowTitle(QStringLiteral("Предпечатен изглед на справката"));
+    QObject::connect(
+        &dialog, &QPrintPreviewDialog::paintRequested, &dialog,
+        [this, &dialog](QPrinter* printer) { paintShowingProgress(*printer, false, &dialog); });
+    dialog.resize(900, 700);
+    dialog.exec();
+}
+
+void ReportPrinter::pageSetup(QWidget* parent)
+{
+    QPageSetupDialog dialog(m_printer.get(), parent);
+    dialog.exec();
+}
+
+bool ReportPrinter::exportPdf(const QString& path)
+{
+    QPrinter pdf(QPrinter::HighResolution);
+    pdf.setOutputFormat(QPrinter::PdfFormat);
+    pdf.setOutputFileName(path);
+    pdf.setPageLayout(m_printer->pageLayout());
+    pdf.setCreator(QStringLiteral("Finora"));
+    pdf.setDocName(QStringLiteral("Справка"));
+    return paint(pdf, false) > 0;
+}
+
+} // namespace finora

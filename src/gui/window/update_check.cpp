@@ -1,0 +1,67 @@
+#include "gui/window/update_check.h"
+
+#include "core/model/number_text.h"
+#include "finora_version.h"
+#include "gui/common/web_links.h"
+
+#include <QEventLoop>
+#include <QNetworkAccessManager>
+#include <QNetworkReply>
+#include <QTimer>
+
+namespace finora {
+
+UpdateCheck::UpdateCheck(Prompter& prompter, QUrl versionFile, Opener open, int timeoutMs)
+    : m_prompter(prompter), m_versionFile(std::move(versionFile)), m_open(std::move(open)),
+      m_timeoutMs(timeoutMs)
+{}
+
+QString UpdateCheck::firstLine(const QUrl& address) const
+{
+    QNetworkAccessManager network;
+    QNetworkRequest request(address);
+    request.setTransferTimeout(m_timeoutMs);
+    QNetworkReply* reply = network.get(request);
+    QEventLoop loop;
+    QTimer timer;
+    timer.setSingleShot(true);
+    QObject::connect(&timer, &QTimer::timeout, &loop, &QEventLoop::quit);
+    QObject::connect(reply, &QNetworkReply::finished, &loop, &QEventLoop::quit);
+    timer.start(m_timeoutMs);
+    if (!reply->isFinished()) {
+        loop.exec();
+    }
+    QString line;
+    if (reply->isFinished() && reply->error() == QNetworkReply::NoError) {
+        line = QString::fromUtf8(reply->readLine(4096)).trimmed();
+    }
+    reply->abort();
+    reply->deleteLater();
+    return line;
+}
+
+void UpdateCheck::run()
+{
+    if (m_prompter.askYesNo("Тази операция изисква връзка с интернет. Желаете ли да продължите?",
+                            "Връзка с интернет", MessageIcon::Question) != Answer::Yes) {
+        return;
+    }
+    const double latest = parseNumber(firstLine(m_versionFile).toStdString());
+    if (!(latest > kOwnVersion)) {
+        m_prompter.show({"", kLatestText, MessageIcon::None, MessageButtons::Ok});
+        return;
+    }
+    const QString address =
+        firstLine(m_versionFile.resolved(QUrl(QString::fromLatin1(kDownloadFileName))));
+    const std::string text =
+        "Най-новата версия на продукта Finora е " + fixedText(latest, 3) +
+        ", а копието, с което работите е " + fixedText(kOwnVersion, 3) +
+        ".\nЖелаете ли да изтеглите новата версия на програмата сега?\n\nURL на файла е: " +
+        address.toStdString();
+    if (m_prompter.askYesNo(text, "Download?", MessageIcon::Question) == Answer::Yes &&
+        !address.isEmpty()) {
+        m_open(QUrl(address));
+    }
+}
+
+} // namespace finora

@@ -1,0 +1,97 @@
+#include "core/settings/memory_settings_store.h"
+#include "core/settings/settings.h"
+#include "core/text/cp1251.h"
+
+#include <gtest/gtest.h>
+
+using namespace finora;
+
+TEST(Settings, MissingValuesReadAsTheirDefaults)
+{
+    MemorySettingsStore store;
+    const Settings s(store);
+    EXPECT_EQ(s.value(IntSetting::OpType), 2);
+    EXPECT_EQ(s.value(IntSetting::LastOpType), 0);
+    EXPECT_EQ(s.value(IntSetting::AutoSave), 0);
+    EXPECT_EQ(s.value(IntSetting::AskForFixingSuggestion), 1);
+    EXPECT_EQ(s.value(IntSetting::DateWidth), 170);
+    EXPECT_EQ(s.value(IntSetting::CatWidth), 400);
+    EXPECT_EQ(s.value(IntSetting::TypeWidth), 85);
+    EXPECT_EQ(s.value(IntSetting::DescrWidth), 800);
+    EXPECT_EQ(s.value(IntSetting::SumWidth), 175);
+    EXPECT_EQ(s.value(IntSetting::CurrWidth), 100);
+    EXPECT_EQ(s.value(IntSetting::SumBGLWidth), 175);
+    EXPECT_EQ(s.value(IntSetting::TipStartUp), 0);
+    EXPECT_EQ(s.text(TextSetting::LastFileUsed), "");
+    EXPECT_EQ(s.text(TextSetting::BackupDir), "");
+    EXPECT_EQ(s.columnStatus(), (std::array<int, kColumnCount>{1, 1, 1, 1, 1, 1, 1, 1, 1, 1}));
+    EXPECT_EQ(s.lastFixing(cp1251::fromUtf8OrThrow("EUR")), 1.0);
+    EXPECT_EQ(store.writeCount(), 0u); // reading writes nothing
+}
+
+TEST(Settings, ValuesAreWrittenUnderTheirSectionAndKey)
+{
+    MemorySettingsStore store;
+    Settings s(store);
+    s.setValue(IntSetting::AutoSave, 1);
+    s.setValue(IntSetting::TipFilePos, 1234);
+    s.setText(TextSetting::BackupDir, "/tmp/копия/");
+    s.setColumnShown(Column::Notes, false);
+    EXPECT_EQ(store.readInt("Settings", "AutoSave", -1), 1);
+    EXPECT_EQ(store.readInt("Tip", "FilePos", -1), 1234);
+    EXPECT_EQ(store.readText("Settings", "BackupDir", ""), "/tmp/копия/");
+    EXPECT_EQ(store.readInt("ColStatus", "Notes", -1), 0);
+    EXPECT_FALSE(s.columnShown(Column::Notes));
+    EXPECT_EQ(s.columnStatus()[7], 0);
+    EXPECT_EQ(Settings::keyName(Column::Payed), "Payed");
+    EXPECT_EQ(Settings::keyName(IntSetting::ShowDataForSubCategories), "ShowDataForSubCategories");
+}
+
+TEST(Settings, OutOfRangeValuesReadAsZero)
+{
+    MemorySettingsStore store;
+    const Settings s(store);
+    store.writeInt("Settings", "LastOpType", 5);
+    EXPECT_EQ(s.value(IntSetting::LastOpType), 0);
+    store.writeInt("Settings", "LastOpType", 1);
+    EXPECT_EQ(s.value(IntSetting::LastOpType), 1);
+    for (int stored : {-1, 3}) {
+        store.writeInt("Settings", "FixingSuggestMode", stored);
+        EXPECT_EQ(s.value(IntSetting::FixingSuggestMode), 0) << stored;
+    }
+    store.writeInt("Settings", "FixingSuggestMode", 2);
+    EXPECT_EQ(s.value(IntSetting::FixingSuggestMode), 2);
+}
+
+TEST(Settings, DoubleClickOptionsExcludeEachOther)
+{
+    MemorySettingsStore store;
+    Settings s(store);
+    s.toggle(IntSetting::AddOnDblClick);
+    EXPECT_EQ(s.value(IntSetting::AddOnDblClick), 1);
+    EXPECT_EQ(s.value(IntSetting::FilterOnDblClick), 0);
+    EXPECT_TRUE(store.contains("Settings", "FilterOnDblClick"));
+    s.toggle(IntSetting::FilterOnDblClick);
+    EXPECT_EQ(s.value(IntSetting::FilterOnDblClick), 1);
+    EXPECT_EQ(s.value(IntSetting::AddOnDblClick), 0);
+    s.toggle(IntSetting::FilterOnDblClick);
+    EXPECT_EQ(s.value(IntSetting::FilterOnDblClick), 0);
+    EXPECT_EQ(s.value(IntSetting::AddOnDblClick), 1);
+}
+
+TEST(Settings, LastRatesAreKeptPerCurrencyAsSixDecimalTexts)
+{
+    MemorySettingsStore store;
+    Settings s(store);
+    const std::string leva = cp1251::fromUtf8OrThrow("лв");
+    s.setLastFixing("USD", 1.7234567);
+    s.setLastFixing(leva, 0.5);
+    s.setLastFixing("BGL", 3.0);
+    EXPECT_EQ(store.readText("Settings", "LastFixingUSD", ""), "1.723457");
+    EXPECT_EQ(store.readText("Settings", "LastFixingлв", ""), "0.500000");
+    EXPECT_FALSE(store.contains("Settings", "LastFixingBGL"));
+    EXPECT_EQ(s.lastFixing("USD"), 1.723457);
+    EXPECT_EQ(s.lastFixing(leva), 0.5);
+    store.writeText("Settings", "LastFixingGBP", "not a number");
+    EXPECT_EQ(s.lastFixing("GBP"), 0.0);
+}

@@ -1,0 +1,338 @@
+// What a save does to the files around a ledger: links, temporary files, modes, owners, long
+// names and full disks. Each case is one a user met: the ledger must never be lost or exposed.
+#include "core/demo/ledger_generator.h"
+#include "support/small_disk.h"
+#include "support/storage_fixture.h"
+
+#include <set>
+
+#ifndef _WIN32
+#include <csignal>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#endif
+
+using namespace finora;
+using namespace finora::test;
+namespace fs = std::filesystem;
+
+namespace {
+
+std::set<std::string> namesIn(const fs::path& dir)
+{
+    std::set<std::string> names;
+    for (const auto& e : fs::directory_iterator(dir)) {
+        names.insert(pathToUtf8(e.path().filename()));
+    }
+    return names;
+}
+
+#ifndef _WIN32
+unsigned modeOf(const fs::path& p)
+{
+    struct stat st {};
+    EXPECT_EQ(::lstat(p.c_str(), &st), 0) << p;
+    return st.st_mode & 07777;
+}
+#endif
+
+std::string ledgerBytes(int operations, std::uint64_t seed)
+{
+    return serializeLedger(generateLedger(operations, seed));
+}
+
+// A name of `letters` Cyrillic letters (two bytes each in UTF-8) and ".fnr".
+std::string cyrillicName(int letters)
+{
+    std::string name;
+    for (int i = 0; i < letters; ++i) {
+        name += "д";
+    }
+    return name + ".fnr";
+}
+
+} // namespace
+
+TEST(SiblingNames, StayWithinTheFileNameLimitAndApartForDifferentFiles)
+{
+    const fs::path dir = "/папка";
+    EXPECT_EQ(siblingPath(dir / "дом.fnr", ".~", ".tmp"), dir / ".~дом.fnr.tmp");
+
+    const fs::path a = dir / pathFromUtf8(cyrillicName(125)); // 254 bytes
+    const fs::path b = dir / pathFromUtf8(cyrillicName(124) + "x");
+    const std::string ta = pathToUtf8(temporaryPathFor(a).filename());
+    const std::string tb = pathToUtf8(temporaryPathFor(b).filename());
+    EXPECT_LE(ta.size(), 255u);
+    EXPECT_LE(tb.size(), 255u);
+    EXPECT_NE(ta, tb);
+    EXPECT_EQ(ta, pathToUtf8(temporaryPathFor(a).filename())); // one name per ledger
+    EXPECT_TRUE(ta.starts_with(".~дд"));
+    EXPECT_TRUE(ta.ends_with(".tmp"));
+    // Never half a letter: the shortened name is still valid UTF-8.
+    EXPECT_NO_THROW((void)pathFromUtf8(ta).u8string());
+    const std::size_t cut = ta.find('~', 2);
+    ASSERT_NE(cut, std::string::npos);
+    EXPECT_EQ((cut - 2) % 2, 0u);
+}
+
+TEST(ContentHash, DependsOnTheBytesAloneNotOnHowTheyArrive)
+{
+    const std::string bytes = ledgerBytes(300, 4);
+    ContentHash whole;
+    whole.update(bytes);
+    for (const std::size_t piece : {1u, 7u, 31u, 32u, 33u, 4096u}) {
+        ContentHash pieces;
+        for (std::size_t at = 0; at < bytes.size(); at += piece) {
+            pieces.update(std::string_view(bytes).substr(at, piece));
+        }
+        EXPECT_EQ(pieces.value(), whole.value()) << piece;
+    }
+    std::string changed = bytes;
+    changed[changed.size() / 2] ^= 1;
+    ContentHash other;
+    other.update(changed);
+    EXPECT_NE(other.value(), whole.value());
+    ContentHash longer;
+    longer.update(bytes + '\0');
+    EXPECT_NE(longer.value(), whole.value());
+}
+
+#ifndef _WIN32
+TEST_F(StorageTest, SavingThroughASymbolicLinkUpdatesItsTargetAndKeepsTheLink)
+{
+    fs::create_directories(dir / "data");
+    const fs::path real = dir / "data" / "дом.fnr";
+    writeBytes(real, serializeLedger(test::sampleLedger()));
+    const fs::path link = dir / "дом.fnr";
+    fs::create_symlink(fs::path("data") / "дом.fnr", link);
+
+    ASSERT_EQ(storage.open(pathToUtf8(link)), DocumentStorage::OpenResult::Opened);
+    doc.addCurrency("CHF");
+    ASSERT_TRUE(storage.save(pathToUtf8(link)));
+    backups.waitIdle();
+
+    EXPECT_TRUE(fs::is_symlink(link));
+    EXPECT_EQ(readFile(real), serializeLedger(doc.ledger()));
+    EXPECT_EQ(namesIn(dir / "data"), std::set<std::string>{"дом.fnr"});
+    EXPECT_EQ(namesIn(dir), (std::set<std::string>{"data", "дом.fnr", "дом.fnr.bak"}));
+
+    // A link whose file is gone gets the file back where the link points.
+    fs::remove(real);
+    ASSERT_TRUE(storage.save(pathToUtf8(link)));
+    EXPECT_TRUE(fs::is_symlink(link));
+    EXPECT_EQ(readFile(real), serializeLedger(doc.ledger()));
+}
+
+TEST(AtomicSave, AKilledSaveLeavesOneTemporaryFileAsPrivateAsTheLedger)
+{
+    const fs::path dir = testFolder("killed");
+    const fs::path ledger = dir / "дом.fnr";
+    writeBytes(ledger, ledgerBytes(1000, 1));
+    fs::permissions(ledger, fs::perms::owner_read | fs::perms::owner_write);
+    const std::string big = ledgerBytes(200'000, 2); // about 16 MB: a save takes a while
+
+    for (int round = 0; round < 5; ++round) {
+        const pid_t child = ::fork();
+        ASSERT_GE(child, 0);
+        if (child == 0) {
+            for (;;) {
+                writeFileAtomically(pathToUtf8(ledger), big);
+            }
+        }
+        ::usleep(30'000 + 17'000 * round);
+        ::kill(child, SIGKILL);
+        ::waitpid(child, nullptr, 0);
+
+        std::set<std::string> names = namesIn(dir);
+        names.erase("дом.fnr");
+        EXPECT_LE(names.size(), 1u) << "round " << round;
+        for (const std::string& name : names) {
+            EXPECT_EQ(name, ".~дом.fnr.tmp");
+            EXPECT_EQ(modeOf(dir / pathFromUtf8(name)), 0600u) << name;
+        }
+        EXPECT_EQ(modeOf(ledger), 0600u);
+    }
+    // The next save takes the place of whatever the crash left.
+    ASSERT_TRUE(writeFileAtomically(pathToUtf8(ledger), "bytes"));
+    EXPECT_EQ(namesIn(dir), std::set<std::string>{"дом.fnr"});
+    fs::remove_all(dir);
+}
+
+TEST_F(StorageTest, APrivateLedgerGetsAPrivateBackup)
+{
+    const std::string file = path("дом.fnr");
+    writeBytes(file, serializeLedger(test::sampleLedger()));
+    fs::permissions(file, fs::perms::owner_read | fs::perms::owner_write);
+    ASSERT_EQ(storage.open(file), DocumentStorage::OpenResult::Opened);
+    doc.addCurrency("CHF");
+    ASSERT_TRUE(storage.save(file));
+    backups.waitIdle();
+    EXPECT_EQ(modeOf(file), 0600u);
+    EXPECT_EQ(modeOf(file + ".bak"), 0600u);
+
+    // Also in a backup folder of its own.
+    fs::create_directories(dir / "копия");
+    settings.setText(TextSetting::BackupDir, pathToUtf8(dir / "копия") + "/");
+    ASSERT_TRUE(storage.save(file));
+    backups.waitIdle();
+    EXPECT_EQ(modeOf(dir / "копия" / "дом.fnr.bak"), 0600u);
+}
+
+TEST_F(StorageTest, AWriteProtectedLedgerIsNotSavedOverButMayBeSavedUnderAnotherName)
+{
+    const std::string file = path("дом.fnr");
+    const std::string before = serializeLedger(test::sampleLedger());
+    writeBytes(file, before);
+    fs::permissions(file, fs::perms::owner_read | fs::perms::group_read | fs::perms::others_read);
+    ASSERT_EQ(storage.open(file), DocumentStorage::OpenResult::Opened);
+    EXPECT_TRUE(storage.isReadOnly());
+    doc.addCurrency("CHF");
+
+    prompter.queue(Answer::No);
+    EXPECT_FALSE(storage.saveCommand());
+    EXPECT_EQ(lastMessage(), (Message{DocumentStorage::kNotSavedCaption,
+                                      DocumentStorage::readOnlyDocumentText(file),
+                                      MessageIcon::Warning, MessageButtons::YesNo}));
+    EXPECT_EQ(readFile(file), before);
+    EXPECT_FALSE(fs::exists(file + ".bak"));
+    EXPECT_TRUE(doc.isModified());
+
+    // Auto-save leaves a read-only ledger alone rather than asking after every change.
+    settings.setValue(IntSetting::AutoSave, 1);
+    prompter.clear();
+    doc.addCurrency("SEK");
+    EXPECT_TRUE(prompter.messages().empty());
+    EXPECT_EQ(readFile(file), before);
+
+    prompter.queue(Answer::Yes);
+    host.paths = {path("копие.fnr")};
+    EXPECT_TRUE(storage.saveCommand());
+    EXPECT_EQ(readFile(file), before);
+    EXPECT_EQ(readFile(path("копие.fnr")), serializeLedger(doc.ledger()));
+    EXPECT_EQ(doc.path(), path("копие.fnr"));
+    EXPECT_FALSE(storage.isReadOnly());
+    EXPECT_FALSE(doc.isModified());
+}
+
+TEST_F(StorageTest, AFileProtectedAfterItWasOpenedIsRefusedToo)
+{
+    const std::string file = path("дом.fnr");
+    const std::string before = serializeLedger(test::sampleLedger());
+    writeBytes(file, before);
+    ASSERT_EQ(storage.open(file), DocumentStorage::OpenResult::Opened);
+    fs::permissions(file, fs::perms::owner_read);
+    doc.addCurrency("CHF");
+    prompter.queue(Answer::No);
+    EXPECT_FALSE(storage.save(file));
+    EXPECT_EQ(lastMessage().text, DocumentStorage::readOnlyFileText(file));
+    EXPECT_EQ(storage.lastSaveFailure(), DocumentStorage::SaveFailure::ReadOnly);
+    EXPECT_EQ(readFile(file), before);
+    // Save-as onto a protected file is refused the same way.
+    const std::string other = path("чужд.fnr");
+    writeBytes(other, "someone's");
+    fs::permissions(other, fs::perms::owner_read);
+    prompter.queue(Answer::No);
+    EXPECT_FALSE(storage.save(other));
+    EXPECT_EQ(readFile(other), "someone's");
+}
+
+TEST_F(StorageTest, ASharedLedgerKeepsItsOwnerGroupAndMode)
+{
+    if (::geteuid() != 0) {
+        GTEST_SKIP() << "giving a file to another owner needs root";
+    }
+    const std::string file = path("дом.fnr");
+    writeBytes(file, serializeLedger(test::sampleLedger()));
+    ASSERT_EQ(::chown(file.c_str(), 1234, 4321), 0);
+    ASSERT_EQ(::chmod(file.c_str(), 0660), 0);
+    ASSERT_EQ(storage.open(file), DocumentStorage::OpenResult::Opened);
+    doc.addCurrency("CHF");
+    ASSERT_TRUE(storage.save(file));
+    backups.waitIdle();
+    for (const std::string& p : {file, file + ".bak"}) {
+        struct stat st {};
+        ASSERT_EQ(::stat(p.c_str(), &st), 0);
+        EXPECT_EQ(st.st_uid, 1234u) << p;
+        EXPECT_EQ(st.st_gid, 4321u) << p;
+        EXPECT_EQ(st.st_mode & 07777, 0660u) << p;
+    }
+}
+
+TEST_F(StorageTest, ALedgerWithALongNameCanBeSavedAndLocked)
+{
+    storage.setLockProgram("finora");
+    for (const int letters : {118, 125}) { // 240 and 254 bytes with ".fnr"
+        const std::string file = pathToUtf8(dir / pathFromUtf8(cyrillicName(letters)));
+        writeBytes(file, serializeLedger(test::sampleLedger()));
+        ASSERT_EQ(storage.open(file), DocumentStorage::OpenResult::Opened) << letters;
+        EXPECT_TRUE(fs::exists(LedgerLock::lockPathFor(file)));
+        doc.addCurrency("CHF");
+        prompter.clear();
+        EXPECT_TRUE(storage.save(file)) << letters;
+        EXPECT_TRUE(prompter.messages().empty());
+        EXPECT_EQ(readFile(file), serializeLedger(doc.ledger()));
+        backups.waitIdle();
+        // A backup name the file system cannot hold is dropped without a word, as any failed
+        // backup is; the ledger itself is saved.
+        std::error_code tooLong;
+        EXPECT_EQ(fs::exists(pathFromUtf8(file + ".bak"), tooLong), letters == 118);
+        storage.closeDocument();
+        EXPECT_FALSE(fs::exists(LedgerLock::lockPathFor(file)));
+    }
+}
+
+TEST(FullDisk, ABackupThatDoesNotFitLeavesThePreviousOneWhole)
+{
+    SmallDisk disk(testFolder("fullbackup") / "disk", 256 * 1024);
+    if (!disk.mounted()) {
+        GTEST_SKIP() << "no small disk can be mounted here (needs root)";
+    }
+    const fs::path backup = disk.path() / "дом.fnr.bak";
+    const std::string first = ledgerBytes(800, 1); // about 64 KB
+    BackupWriter writer;
+    writer.submit(pathToUtf8(backup), std::make_shared<const std::string>(first));
+    writer.waitIdle();
+    ASSERT_EQ(readFile(backup), first);
+
+    writeBytes(disk.path() / "filler", std::string(140 * 1024, 'x'));
+    const std::string second = ledgerBytes(1200, 2); // about 96 KB: does not fit beside the first
+    writer.submit(pathToUtf8(backup), std::make_shared<const std::string>(second));
+    writer.waitIdle();
+    EXPECT_EQ(readFile(backup), first);
+    EXPECT_EQ(namesIn(disk.path()), (std::set<std::string>{"filler", "дом.fnr.bak"}));
+}
+
+TEST(FullDisk, TheLedgerIsWrittenBeforeItsBackupTakesTheRoom)
+{
+    SmallDisk disk(testFolder("fullledger") / "disk", 1024 * 1024);
+    if (!disk.mounted()) {
+        GTEST_SKIP() << "no small disk can be mounted here (needs root)";
+    }
+    FixedClock clock{DateTime::fromParts(2025, 1, 2)};
+    MemorySettingsStore store;
+    Settings settings(store);
+    RecordingPrompter prompter;
+    ScriptedHost host;
+    BackupWriter backups;
+    CFinoraDoc doc(clock);
+    DocumentStorage storage(doc, settings, prompter, host, backups);
+
+    // The old ledger and the new one are each about 240 KB; the free room takes one new copy
+    // and a half, so the ledger and its backup fit one after the other but not side by side.
+    const std::string file = pathToUtf8(disk.path() / "дом.fnr");
+    doc.replaceLedger(generateLedger(3000, 1));
+    ASSERT_TRUE(storage.save(file));
+    backups.waitIdle();
+    std::filesystem::remove(file + ".bak");
+    doc.replaceLedger(generateLedger(3000, 2));
+    const std::size_t size = serializeLedger(doc.ledger()).size();
+    const std::size_t used = fs::file_size(file);
+    writeBytes(disk.path() / "filler", std::string(1024 * 1024 - used - size * 3 / 2, 'x'));
+
+    EXPECT_TRUE(storage.save(file));
+    backups.waitIdle();
+    EXPECT_EQ(readFile(file), serializeLedger(doc.ledger()));
+    EXPECT_EQ(readFile(file + ".bak"), serializeLedger(doc.ledger()));
+}
+#endif
