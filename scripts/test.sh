@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Installs what is missing, builds, and runs every test: the suite as released, the same suite
+# Installs what is missing, checks the style (clang-format everywhere, clang-tidy on the core),
+# builds, and runs every test: the suite as released, the same suite
 # under AddressSanitizer + UndefinedBehaviorSanitizer, the threaded storage tests under
 # ThreadSanitizer, each fuzz target for a minute when clang is there, and a plain Release build as
 # a packager makes it, installed and packaged (scripts/release-check.sh).
@@ -8,6 +9,7 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 
 scripts/install-deps.sh
+scripts/check-style.sh format
 
 run_preset() {
   echo "== $1"
@@ -19,6 +21,7 @@ run_preset() {
 run_preset default
 
 if [[ "${FINORA_QUICK:-0}" != 1 ]]; then
+  scripts/check-style.sh tidy
   run_preset asan
   # The tests that save, and so start the backup writer's thread (not the ones that start Qt's GUI).
   run_preset tsan -R 'Storage|Backup|Cli|List|Import|Lock|Atomic|FullDisk|FailedOpen' -E 'CliRender'

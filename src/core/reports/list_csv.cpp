@@ -48,6 +48,7 @@ void writeListCsv(std::ostream& out, const OperationsList& list, const std::vect
 std::vector<int> allListColumns()
 {
     std::vector<int> columns;
+    columns.reserve(kListColumnCount);
     for (int c = 0; c < kListColumnCount; ++c) {
         columns.push_back(c);
     }
@@ -57,6 +58,7 @@ std::vector<int> allListColumns()
 std::vector<int> shownListColumns(const Settings& settings)
 {
     std::vector<int> columns;
+    columns.reserve(kListColumnCount);
     for (int c = 0; c < kListColumnCount; ++c) {
         if (columnWidth(c, settings) > 0) {
             columns.push_back(c);

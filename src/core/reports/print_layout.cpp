@@ -189,12 +189,15 @@ std::vector<ReportItem> layoutReportPage(const OperationsList& list, const Repor
         const bool income = list.cellText(i, kTypeCol) == kIncomeType;
         for (std::size_t c = 0; c < columnCount; ++c) {
             const PrintColumn& col = kColumns[c];
-            // Appended rather than inserted at the front: GCC 12 warns falsely (-Wrestrict) on
-            // an insert at position 0 once it is inlined at -O3.
-            std::string text = col.padded ? " " : "";
+            // Built front to back: GCC 12 warns falsely (-Wrestrict) on an insert at position 0
+            // once it is inlined at -O3.
+            std::string text = col.signedAmount && !income ? "-" : "";
+            if (col.padded) {
+                text += ' ';
+            }
             text += cp1251::toUtf8(list.cellText(i, col.listColumn));
             if (col.signedAmount) {
-                text = (income ? "" : "-") + text + " ";
+                text += ' ';
             }
             const ReportRect r{x[c], y, x[c + 1], y - h};
             b.cell(r, false);

@@ -385,13 +385,13 @@ void ContentHash::update(const char* data, std::size_t size)
             return;
         }
         for (int i = 0; i < 4; ++i) {
-            m_state[i] = mixRound(m_state[i], loadWord(m_tail + 8 * i));
+            m_state[i] = mixRound(m_state[i], loadWord(m_tail + std::ptrdiff_t{8} * i));
         }
         m_tailSize = 0;
     }
     while (size >= 32) {
         for (int i = 0; i < 4; ++i) {
-            m_state[i] = mixRound(m_state[i], loadWord(p + 8 * i));
+            m_state[i] = mixRound(m_state[i], loadWord(p + std::ptrdiff_t{8} * i));
         }
         p += 32;
         size -= 32;

@@ -9,7 +9,7 @@ namespace {
 constexpr std::string_view kMagic = "Finora filter";
 constexpr std::int32_t kLayout = 1;
 // A filter file is a few hundred bytes; anything far larger is not one.
-constexpr std::uint64_t kMaxFilterBytes = 16 * 1024 * 1024;
+constexpr std::uint64_t kMaxFilterBytes = std::uint64_t{16} << 20;
 
 } // namespace
 

@@ -110,7 +110,7 @@ bool hasMasterIds(double version)
 
 std::string serializeLedger(const Ledger& ledger)
 {
-    std::uint64_t size = 8 + ByteWriter::stringSize(ledger.lockText) + 7 * 4;
+    std::uint64_t size = 8 + ByteWriter::stringSize(ledger.lockText) + std::uint64_t{7} * 4;
     for (const Currency& c : ledger.currencies) {
         size += 4 + ByteWriter::stringSize(c.name());
     }

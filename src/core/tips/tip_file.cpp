@@ -16,7 +16,7 @@ std::string modificationText(const std::string& path)
     return ::ctime_r(&when, buffer) ? std::string(buffer) : std::string();
 }
 
-TipOfTheDay::TipOfTheDay(std::string path, Settings& settings, Prompter& prompter)
+TipOfTheDay::TipOfTheDay(const std::string& path, Settings& settings, Prompter& prompter)
     : m_settings(settings), m_prompter(prompter)
 {
     m_showAtStartUp = m_settings.value(IntSetting::TipStartUp) == 0;

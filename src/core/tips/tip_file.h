@@ -17,7 +17,7 @@ class TipOfTheDay {
 public:
     // Opens the file and reads the first tip from where the last showing stopped, or from the
     // start when the file changed since.
-    TipOfTheDay(std::string path, Settings& settings, Prompter& prompter);
+    TipOfTheDay(const std::string& path, Settings& settings, Prompter& prompter);
     ~TipOfTheDay();
     TipOfTheDay(const TipOfTheDay&) = delete;
     TipOfTheDay& operator=(const TipOfTheDay&) = delete;
