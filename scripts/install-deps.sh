@@ -10,6 +10,7 @@ packages=(
   fonts-dejavu-core fonts-liberation2
   xvfb xauth xdotool poppler-utils
   desktop-file-utils appstream shared-mime-info xdg-utils dpkg-dev man-db
+  clang-format clang-tidy locales
 )
 # Optional: libFuzzer needs clang and its runtime; the build skips the fuzz targets without them.
 if [[ "${FINORA_WITH_FUZZ:-1}" == 1 ]]; then
@@ -23,14 +24,20 @@ for p in "${packages[@]}"; do
   fi
 done
 
-if ((${#missing[@]} == 0)); then
-  echo "install-deps: everything is already installed"
-  exit 0
-fi
-
 sudo=""
 if [[ $(id -u) -ne 0 ]]; then sudo="sudo"; fi
-echo "install-deps: installing ${missing[*]}"
-export DEBIAN_FRONTEND=noninteractive
-$sudo apt-get update -qq
-$sudo apt-get install -y -qq --no-install-recommends "${missing[@]}"
+if ((${#missing[@]} == 0)); then
+  echo "install-deps: every package is already installed"
+else
+  echo "install-deps: installing ${missing[*]}"
+  export DEBIAN_FRONTEND=noninteractive
+  $sudo apt-get update -qq
+  $sudo apt-get install -y -qq --no-install-recommends "${missing[@]}"
+fi
+
+# A locale with a decimal comma, so the tests can show that no number text follows the process's
+# locale.
+if ! locale -a 2>/dev/null | grep -qix 'bg_BG.utf8'; then
+  echo "install-deps: generating the bg_BG.UTF-8 locale"
+  $sudo localedef -i bg_BG -f UTF-8 bg_BG.UTF-8
+fi

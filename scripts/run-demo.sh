@@ -11,8 +11,4 @@ mkdir -p demo
 if [[ ! -f demo/demo.fnr ]]; then
   build/default/src/cli/finora-cli generate demo/demo.fnr --operations 20000 --seed 2026
 fi
-if [[ -x build/default/src/app/finora ]]; then
-  exec build/default/src/app/finora demo/demo.fnr
-fi
-# Until the desktop program is built, show what the demo ledger holds.
-exec build/default/src/cli/finora-cli info demo/demo.fnr
+exec build/default/src/app/finora demo/demo.fnr

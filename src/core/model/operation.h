@@ -38,8 +38,6 @@ public:
     std::int32_t paid() const { return m_paid; }
     std::int32_t masterId() const { return m_masterId; }
 
-    bool isIncome() const { return m_type == kIncome; }
-
     // Every field but the id, which only the document hands out.
     void set(DateTime date, std::string description, std::int32_t type, std::int32_t categoryId,
              double amount, std::int32_t currencyId, double amountBgl, std::string notes,

@@ -18,16 +18,6 @@ bool FilterCriteria::allCurrencies() const
     return currency.empty() || currency == allCurrenciesItem();
 }
 
-int typeFilterFromText(std::string_view utf8)
-{
-    for (int i = 0; i < 3; ++i) {
-        if (utf8 == kTypeChoices[i]) {
-            return i;
-        }
-    }
-    return 0;
-}
-
 void resetCriteria(FilterCriteria& criteria, const CFinoraDoc& doc, const DateTime& now)
 {
     criteria.categories.clear();

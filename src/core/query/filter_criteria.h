@@ -31,9 +31,6 @@ struct FilterCriteria {
 // ":: ВСИЧКИ ВАЛУТИ В BGL ::" in Windows-1251.
 const std::string& allCurrenciesItem();
 
-// The type selector's text (UTF-8) as its number; anything unknown is 0.
-int typeFilterFromText(std::string_view utf8);
-
 // "Без филтър": every category, from the earliest to the latest of now and every entry's date,
 // income and expense, all currencies, paid or not.
 void resetCriteria(FilterCriteria& criteria, const CFinoraDoc& doc, const DateTime& now);
