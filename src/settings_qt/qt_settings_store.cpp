@@ -23,8 +23,6 @@ QtSettingsStore::QtSettingsStore(const QString& iniFile) : m_settings(iniFile, Q
 
 int QtSettingsStore::readInt(std::string_view section, std::string_view key, int defaultValue) const
 {
-    // Another process may have written since we last looked.
-    m_settings.sync();
     bool ok = false;
     const int value = m_settings.value(path(section, key)).toInt(&ok);
     return ok ? value : defaultValue;
@@ -33,7 +31,6 @@ int QtSettingsStore::readInt(std::string_view section, std::string_view key, int
 std::string QtSettingsStore::readText(std::string_view section, std::string_view key,
                                       std::string_view defaultValue) const
 {
-    m_settings.sync();
     const QVariant value = m_settings.value(path(section, key));
     if (!value.isValid()) {
         return std::string(defaultValue);
@@ -41,6 +38,8 @@ std::string QtSettingsStore::readText(std::string_view section, std::string_view
     return value.toString().toStdString();
 }
 
+// Reads come from QSettings' cache, which every store of this process shares; writes go to the
+// file at once, so a crash loses no option and the next program to start sees it.
 void QtSettingsStore::writeInt(std::string_view section, std::string_view key, int value)
 {
     m_settings.setValue(path(section, key), value);

@@ -1,5 +1,6 @@
 #include "core/editors/operation_editor.h"
 
+#include "core/model/choice_lists.h"
 #include "core/model/number_text.h"
 #include "core/reports/rate_suggestion.h"
 #include "core/text/cp1251.h"
@@ -40,10 +41,7 @@ OperationEditor::OperationEditor(CFinoraDoc& doc, Settings& settings, Prompter& 
       m_date(today), m_masterId(opening.masterId), m_amountText("0"), m_rateText("0"),
       m_valueText(finora::amountText(0.0)), m_currency(doc.currencyName(0))
 {
-    m_currencies.push_back(m_currency); // the main currency, as the document names it
-    for (const Currency& c : doc.ledger().currencies) {
-        m_currencies.push_back(c.name());
-    }
+    m_currencies = currencyNames(doc);
     applyCurrencyRule();
     if (isNew()) {
         const int opType = m_settings.value(IntSetting::OpType);

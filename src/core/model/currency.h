@@ -2,8 +2,12 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 namespace finora {
+
+// The main currency's name (the same bytes in Windows-1251 and UTF-8).
+inline constexpr std::string_view kMainCurrencyName = "BGL";
 
 // A foreign currency of the ledger. The main currency "BGL" (id 0) is implicit and never a record.
 class Currency {

@@ -10,7 +10,7 @@
 namespace finora {
 namespace {
 
-const std::string kMainCurrency = "BGL";
+const std::string kMainCurrency{kMainCurrencyName};
 const std::string kNoText;
 
 // Names of categories and currencies in the names of steps (UTF-8).

@@ -92,7 +92,8 @@ void OperationsList::startTotals()
 {
     m_totals.income = 0.0;
     m_totals.expense = 0.0;
-    m_totals.label = m_criteria.allCurrencies() ? std::string("BGL") : m_criteria.currency;
+    m_totals.label =
+        m_criteria.allCurrencies() ? std::string(kMainCurrencyName) : m_criteria.currency;
 }
 
 void OperationsList::refresh()

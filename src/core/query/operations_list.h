@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/model/currency.h"
 #include "core/model/finora_doc.h"
 #include "core/model/prompter.h"
 #include "core/query/filter_criteria.h"
@@ -59,7 +60,7 @@ struct SearchRequest {
 struct ListTotals {
     double income = 0.0;
     double expense = 0.0;
-    std::string label = "BGL"; // Windows-1251
+    std::string label{kMainCurrencyName}; // Windows-1251
     // "%.2f %s" texts, Windows-1251.
     std::string incomeText() const;
     std::string expenseText() const;

@@ -1,5 +1,6 @@
 #include "core/reports/currency_cash.h"
 
+#include "core/model/choice_lists.h"
 #include "core/model/number_text.h"
 
 #include <algorithm>
@@ -90,12 +91,11 @@ CashRow cashRow(const CurrencySummary& s, const std::string& name)
 std::vector<CashRow> cashRows(const CFinoraDoc& doc, const Settings& settings)
 {
     std::vector<CurrencySummary> summaries(1);
-    std::vector<std::string> names{"BGL"};
+    const std::vector<std::string> names = currencyNames(doc);
     std::unordered_map<std::int32_t, std::size_t> slot{{0, 0}}; // first currency with each id
     for (const Currency& c : doc.ledger().currencies) {
         slot.emplace(c.id(), summaries.size()); // a repeated id keeps the first
         summaries.emplace_back().currencyId = c.id();
-        names.push_back(c.name());
     }
     for (const Operation& op : doc.ledger().operations) {
         const auto it = slot.find(op.currencyId());

@@ -1,5 +1,6 @@
 #include "core/settings/settings.h"
 
+#include "core/model/currency.h"
 #include "core/model/number_text.h"
 #include "core/text/cp1251.h"
 
@@ -116,7 +117,7 @@ double Settings::lastFixing(std::string_view currencyName) const
 
 void Settings::setLastFixing(std::string_view currencyName, double rate)
 {
-    if (currencyName == "BGL") {
+    if (currencyName == kMainCurrencyName) {
         return;
     }
     m_store.writeText(kSettings, lastFixingKey(currencyName), rateText(rate));

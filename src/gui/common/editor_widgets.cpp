@@ -1,6 +1,6 @@
 #include "gui/common/editor_widgets.h"
 
-#include "core/editors/category_tree.h"
+#include "core/model/choice_lists.h"
 #include "core/text/cp1251.h"
 #include "gui/common/help_window.h"
 

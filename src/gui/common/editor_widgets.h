@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/editors/category_tree.h"
+#include "core/model/choice_lists.h"
 #include "core/model/finora_doc.h"
 
 #include <QDate>

@@ -1,5 +1,6 @@
 #include "gui/window/filter_panel.h"
 
+#include "core/model/choice_lists.h"
 #include "core/storage/filter_file.h"
 #include "core/text/cp1251.h"
 #include "gui/common/date_field.h"
@@ -190,14 +191,9 @@ void FilterPanel::fillCurrencies()
 {
     m_currency->clear();
     m_currency->addItem(qt(allCurrenciesItem()));
-    QStringList names;
-    names << QStringLiteral("BGL");
-    for (const Currency& c : m_doc.ledger().currencies) {
-        names << qt(c.name());
+    for (const std::string& name : currencyNames(m_doc, SiblingOrder::Name)) {
+        m_currency->addItem(qt(name));
     }
-    names.sort();
-    names.removeDuplicates();
-    m_currency->addItems(names);
     const QString current =
         qt(m_criteria.allCurrencies() ? allCurrenciesItem() : m_criteria.currency);
     if (m_currency->findText(current) < 0) {
@@ -248,8 +244,8 @@ void FilterPanel::takeValues()
     }
     const QString currency = m_currency->currentText();
     // An empty choice means the main currency alone, not all of them.
-    m_criteria.currency =
-        currency.isEmpty() ? std::string("BGL") : cp1251::fromUtf8OrThrow(currency.toStdString());
+    m_criteria.currency = currency.isEmpty() ? std::string(kMainCurrencyName)
+                                             : cp1251::fromUtf8OrThrow(currency.toStdString());
 }
 
 void FilterPanel::changed()

@@ -1,7 +1,7 @@
 // The category tree, the category dialog, the chooser and the currency cash window's rules.
 #include "core/editors/category_editors.h"
-#include "core/editors/category_tree.h"
 #include "core/editors/currency_cash_editor.h"
+#include "core/model/choice_lists.h"
 #include "core/model/recording_prompter.h"
 #include "core/settings/memory_settings_store.h"
 #include "core/text/cp1251.h"
@@ -210,6 +210,20 @@ protected:
     RecordingPrompter m_prompter{Answer::Yes};
     std::vector<std::string> m_asked;
 };
+
+TEST_F(CurrencyCashTest, ChoosersListTheMainCurrencyFirstOrEveryNameOnceInOrder)
+{
+    Ledger l = m_doc.ledger();
+    l.currencies.append(Currency(3, "AUD"));
+    l.currencies.append(Currency(4, "EUR")); // a hand-made file may repeat a name
+    m_doc.replaceLedger(std::move(l));
+    // The editors and the cash window: as the ledger lists them, after the main currency.
+    EXPECT_EQ(currencyNames(m_doc), (std::vector<std::string>{"BGL", "USD", "EUR", "AUD", "EUR"}));
+    EXPECT_EQ(cashRows(m_doc, m_settings).size(), 5u);
+    // The filter panel: by name, each once, the main currency among them.
+    EXPECT_EQ(currencyNames(m_doc, SiblingOrder::Name),
+              (std::vector<std::string>{"AUD", "BGL", "EUR", "USD"}));
+}
 
 TEST_F(CurrencyCashTest, AddingRefusesTheMainCurrencyAndDuplicates)
 {

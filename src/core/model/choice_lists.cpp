@@ -1,4 +1,4 @@
-#include "core/editors/category_tree.h"
+#include "core/model/choice_lists.h"
 
 #include <algorithm>
 #include <unordered_map>
@@ -65,6 +65,21 @@ std::vector<CategoryNode> categoryTree(const CFinoraDoc& doc, SiblingOrder order
         }
     }
     return out;
+}
+
+std::vector<std::string> currencyNames(const CFinoraDoc& doc, SiblingOrder order)
+{
+    std::vector<std::string> names;
+    names.reserve(doc.ledger().currencies.size() + 1);
+    names.push_back(doc.currencyName(0));
+    for (const Currency& c : doc.ledger().currencies) {
+        names.push_back(c.name());
+    }
+    if (order == SiblingOrder::Name) {
+        std::sort(names.begin(), names.end());
+        names.erase(std::unique(names.begin(), names.end()), names.end());
+    }
+    return names;
 }
 
 } // namespace finora
