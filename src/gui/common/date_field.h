@@ -8,6 +8,8 @@ namespace finora {
 // the calendar as they open any drop-down list: Qt's date edit opens it for the mouse only. Tab
 // leaves the field as it leaves any other; typing a day fills it and moves on to the month.
 class DateField final : public QDateEdit {
+    Q_OBJECT
+
 public:
     explicit DateField(QWidget* parent = nullptr);
 

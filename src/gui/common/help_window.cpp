@@ -30,12 +30,12 @@ HelpWindow::HelpWindow(QWidget* parent)
     : QWidget(parent, Qt::Window), m_browser(new QTextBrowser(this))
 {
     setObjectName(QStringLiteral("helpWindow"));
-    setWindowTitle(QStringLiteral("Finora - помощна информация"));
+    setWindowTitle(tr("Finora - помощна информация"));
     m_browser->setSearchPaths({QStringLiteral(":/help")});
     m_browser->setOpenExternalLinks(true);
-    auto* back = new QPushButton(QStringLiteral("< &Назад"), this);
-    auto* home = new QPushButton(QStringLiteral("&Съдържание"), this);
-    auto* close = new QPushButton(QStringLiteral("&Затвори"), this);
+    auto* back = new QPushButton(tr("< &Назад"), this);
+    auto* home = new QPushButton(tr("&Съдържание"), this);
+    auto* close = new QPushButton(tr("&Затвори"), this);
     back->setEnabled(false);
     connect(m_browser, &QTextBrowser::backwardAvailable, back, &QWidget::setEnabled);
     connect(back, &QPushButton::clicked, m_browser, &QTextBrowser::backward);
@@ -65,10 +65,7 @@ QString HelpWindow::currentTopic() const
 
 HelpWindow* helpWindowOf(QWidget* owner)
 {
-    // By name and dynamic_cast: without moc, findChild cannot tell our classes apart.
-    return owner ? dynamic_cast<HelpWindow*>(owner->findChild<QWidget*>(
-                       QStringLiteral("helpWindow"), Qt::FindDirectChildrenOnly))
-                 : nullptr;
+    return owner ? owner->findChild<HelpWindow*>(QString(), Qt::FindDirectChildrenOnly) : nullptr;
 }
 
 HelpWindow* showHelp(QWidget* parent, const QString& topic)

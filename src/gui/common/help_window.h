@@ -11,6 +11,8 @@ namespace finora {
 // follows their links. Topics are page names ("ops_elem.htm"); the "help.chm::/" prefix some
 // callers carry is accepted and dropped.
 class HelpWindow final : public QWidget {
+    Q_OBJECT
+
 public:
     explicit HelpWindow(QWidget* parent = nullptr);
     void showTopic(const QString& topic);

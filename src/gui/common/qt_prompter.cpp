@@ -43,11 +43,11 @@ Answer QtPrompter::show(const Message& message)
         break;
     }
     // The buttons speak Bulgarian whatever translations the system has.
-    for (auto [button, text] :
-         {std::pair{QMessageBox::Yes, "&Да"}, std::pair{QMessageBox::No, "&Не"},
-          std::pair{QMessageBox::Cancel, "&Отказ"}}) {
+    for (auto [button, text] : {std::pair{QMessageBox::Yes, QT_TR_NOOP("&Да")},
+                                std::pair{QMessageBox::No, QT_TR_NOOP("&Не")},
+                                std::pair{QMessageBox::Cancel, QT_TR_NOOP("&Отказ")}}) {
         if (QAbstractButton* b = box.button(button)) {
-            b->setText(QString::fromUtf8(text));
+            b->setText(tr(text));
         }
     }
     switch (box.exec()) {

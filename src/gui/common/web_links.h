@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QtGlobal>
+
 namespace finora {
 
 // Every address the program knows, in one place.
@@ -9,14 +11,16 @@ inline constexpr const char* kVersionFileAddress = "https://finora.example.org/v
 inline constexpr const char* kDownloadFileName = "download.txt";
 
 struct WebLink {
-    const char* label;
+    const char* label; // shown in the main window's help menu, which translates it
     const char* address;
 };
 inline constexpr WebLink kRecommendedSites[] = {
-    {"Българска народна банка - валутни курсове ...",
+    {QT_TRANSLATE_NOOP("finora::CMainFrame", "Българска народна банка - валутни курсове ..."),
      "https://www.bnb.bg/Statistics/StExternalSector/StExchangeRates/StERForeignCurrencies/"},
-    {"Национална агенция за приходите ...", "https://nap.bg/"},
-    {"Министерство на финансите ...", "https://www.minfin.bg/"},
+    {QT_TRANSLATE_NOOP("finora::CMainFrame", "Национална агенция за приходите ..."),
+     "https://nap.bg/"},
+    {QT_TRANSLATE_NOOP("finora::CMainFrame", "Министерство на финансите ..."),
+     "https://www.minfin.bg/"},
 };
 
 } // namespace finora

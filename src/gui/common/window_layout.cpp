@@ -17,6 +17,8 @@ constexpr std::string_view kSection = "WindowPositions";
 SettingsStore* g_store = nullptr;
 
 class GeometryKeeper final : public QObject {
+    Q_OBJECT
+
 public:
     GeometryKeeper(QWidget* window, std::string name) : QObject(window), m_name(std::move(name)) {}
 
@@ -68,3 +70,5 @@ void keepWindowGeometry(QWidget* window, const char* name)
 }
 
 } // namespace finora
+
+#include "window_layout.moc"
