@@ -83,7 +83,7 @@ QTreeWidget* makeReportList(QWidget* parent, std::initializer_list<ReportColumn>
     list->setColumnCount(static_cast<int>(columns.size()));
     QStringList headers;
     for (const ReportColumn& c : columns) {
-        headers << QString::fromUtf8(c.header);
+        headers << c.header;
     }
     list->setHeaderLabels(headers);
     int i = 0;
@@ -93,8 +93,7 @@ QTreeWidget* makeReportList(QWidget* parent, std::initializer_list<ReportColumn>
             list->hideColumn(i);
         } else {
             // Never narrower than its header: a clipped Bulgarian caption reads as another word.
-            const int header =
-                list->fontMetrics().horizontalAdvance(QString::fromUtf8(c.header)) + 20;
+            const int header = list->fontMetrics().horizontalAdvance(c.header) + 20;
             list->setColumnWidth(i, std::max(c.width, header));
         }
         ++i;

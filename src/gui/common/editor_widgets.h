@@ -40,7 +40,7 @@ QTreeWidgetItem* findCategoryItem(QTreeWidget* tree, std::int32_t id);
 // A report-style list: full-row selection, grid-like alternate rows, no tree decoration. A
 // width of 0 hides the column.
 struct ReportColumn {
-    const char* header; // UTF-8
+    QString header;
     int width;
     Qt::Alignment alignment = Qt::AlignLeft;
 };

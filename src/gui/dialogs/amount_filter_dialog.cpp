@@ -11,18 +11,18 @@ namespace finora {
 AmountFilterDialog::AmountFilterDialog(Prompter& prompter, QWidget* parent)
     : QDialog(parent), m_prompter(prompter), m_amount(new QLineEdit(this)),
       m_tolerance(new QLineEdit(QStringLiteral("0"), this)),
-      m_alsoBgl(new QCheckBox(QStringLiteral("търси и в левовата равностойност"), this))
+      m_alsoBgl(new QCheckBox(tr("търси и в левовата равностойност"), this))
 {
-    setWindowTitle(QStringLiteral("филтриране по сума"));
+    setWindowTitle(tr("филтриране по сума"));
     m_amount->setObjectName(QStringLiteral("amount"));
     m_tolerance->setObjectName(QStringLiteral("tolerance"));
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
-    buttons->button(QDialogButtonBox::Cancel)->setText(QStringLiteral("отказ"));
+    buttons->button(QDialogButtonBox::Cancel)->setText(tr("отказ"));
     connect(buttons, &QDialogButtonBox::accepted, this, &AmountFilterDialog::accept);
     connect(buttons, &QDialogButtonBox::rejected, this, &AmountFilterDialog::reject);
     auto* layout = new QFormLayout(this);
-    layout->addRow(QStringLiteral("суми в размер на:"), m_amount);
-    layout->addRow(QStringLiteral("толеранс ±"), m_tolerance);
+    layout->addRow(tr("суми в размер на:"), m_amount);
+    layout->addRow(tr("толеранс ±"), m_tolerance);
     layout->addRow(m_alsoBgl);
     layout->addRow(buttons);
 }

@@ -11,6 +11,8 @@ namespace finora {
 
 // "филтриране по сума": an amount, a tolerance and whether to look at the BGL value too.
 class AmountFilterDialog final : public QDialog {
+    Q_OBJECT
+
 public:
     AmountFilterDialog(Prompter& prompter, QWidget* parent = nullptr);
     void accept() override;

@@ -39,7 +39,7 @@ BackupFolderDialog::BackupFolderDialog(const std::string& current, Prompter& pro
     : QDialog(parent), m_prompter(prompter), m_probe(probe),
       m_path(new QLineEdit(QString::fromStdString(current), this))
 {
-    setWindowTitle(QStringLiteral("Изберете директория с двойно кликване ..."));
+    setWindowTitle(tr("Изберете директория с двойно кликване ..."));
     m_path->setObjectName(QStringLiteral("folder"));
     auto* browse = new QPushButton(QStringLiteral("..."), this);
     connect(browse, &QPushButton::clicked, this, [this] {
@@ -50,10 +50,10 @@ BackupFolderDialog::BackupFolderDialog(const std::string& current, Prompter& pro
         }
     });
     auto* row = new QHBoxLayout;
-    row->addWidget(new QLabel(QStringLiteral("Директория:"), this));
+    row->addWidget(new QLabel(tr("Директория:"), this));
     row->addWidget(m_path, 1);
     row->addWidget(browse);
-    auto* buttons = makeDialogButtons(this, QStringLiteral("Open"));
+    auto* buttons = makeDialogButtons(this, tr("Open"));
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(row);
     layout->addWidget(buttons);

@@ -17,6 +17,8 @@ public:
 
 // "Изберете директория с двойно кликване ...": a folder typed or browsed to, checked on Open.
 class BackupFolderDialog final : public QDialog {
+    Q_OBJECT
+
 public:
     BackupFolderDialog(const std::string& current, Prompter& prompter, FolderProbe& probe,
                        QWidget* parent = nullptr);

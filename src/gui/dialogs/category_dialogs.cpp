@@ -33,9 +33,9 @@ QTreeWidget* makeCategoryTree(QWidget* parent, const CFinoraDoc& doc)
     return tree;
 }
 
-QGroupBox* framed(const char* title, QWidget* content, QWidget* parent)
+QGroupBox* framed(const QString& title, QWidget* content, QWidget* parent)
 {
-    auto* box = new QGroupBox(QString::fromUtf8(title), parent);
+    auto* box = new QGroupBox(title, parent);
     auto* layout = new QVBoxLayout(box);
     layout->addWidget(content);
     return box;
@@ -50,10 +50,10 @@ CategoryChooserDialog::CategoryChooserDialog(const CFinoraDoc& doc, std::int32_t
     : QDialog(parent), m_chooser(doc, current), m_chosen(new QLabel(this)),
       m_tree(makeCategoryTree(this, doc))
 {
-    setWindowTitle(QStringLiteral("Избор на категория"));
+    setWindowTitle(tr("Избор на категория"));
     m_chosen->setObjectName(QStringLiteral("chosen"));
     m_chosen->setFrameShape(QFrame::StyledPanel);
-    auto* buttons = makeDialogButtons(this, QStringLiteral("избери"));
+    auto* buttons = makeDialogButtons(this, tr("избери"));
     m_ok = static_cast<QPushButton*>(buttons->buttons().at(0));
     m_ok->setIcon(style()->standardIcon(QStyle::SP_DialogApplyButton));
     if (QTreeWidgetItem* item = findCategoryItem(m_tree, current)) {
@@ -65,8 +65,9 @@ CategoryChooserDialog::CategoryChooserDialog(const CFinoraDoc& doc, std::int32_t
     });
 
     auto* layout = new QVBoxLayout(this);
-    layout->addWidget(framed("избраната категория е:", m_chosen, this));
-    layout->addWidget(framed("списък на категориите (кликнете 2 пъти за избор)", m_tree, this), 1);
+    layout->addWidget(framed(tr("избраната категория е:"), m_chosen, this));
+    layout->addWidget(framed(tr("списък на категориите (кликнете 2 пъти за избор)"), m_tree, this),
+                      1);
     layout->addWidget(buttons);
     setSizeGripEnabled(true);
     setMinimumSize(300, 320);
@@ -86,7 +87,7 @@ void CategoryChooserDialog::showChoice()
 CategoryDialog::CategoryDialog(CFinoraDoc& doc, Prompter& prompter, CategoryEditor::Mode mode,
                                std::int32_t id, QWidget* parent)
     : QDialog(parent), m_editor(doc, prompter, mode, id), m_prompter(prompter),
-      m_name(new QLineEdit(this)), m_isSub(new QCheckBox(QStringLiteral("подкатегория на:"), this)),
+      m_name(new QLineEdit(this)), m_isSub(new QCheckBox(tr("подкатегория на:"), this)),
       m_parent(new QLabel(this)), m_tree(makeCategoryTree(this, doc))
 {
     setWindowTitle(QString::fromStdString(m_editor.title()));
@@ -102,18 +103,16 @@ CategoryDialog::CategoryDialog(CFinoraDoc& doc, Prompter& prompter, CategoryEdit
         showParent();
     });
 
-    auto* buttons = makeDialogButtons(this, QStringLiteral("&създай"));
+    auto* buttons = makeDialogButtons(this, tr("&създай"));
     buttons->buttons().at(0)->setIcon(style()->standardIcon(QStyle::SP_DialogApplyButton));
     buttons->buttons().at(1)->setIcon(style()->standardIcon(QStyle::SP_DialogCancelButton));
     auto* layout = new QGridLayout(this);
-    layout->addWidget(new QLabel(QStringLiteral("впишете наименование на категорията:"), this), 0,
-                      0, 1, 2);
+    layout->addWidget(new QLabel(tr("впишете наименование на категорията:"), this), 0, 0, 1, 2);
     layout->addWidget(m_name, 1, 0, 1, 2);
     layout->addWidget(m_isSub, 2, 0);
     layout->addWidget(m_parent, 2, 1);
-    layout->addWidget(
-        new QLabel(QStringLiteral("изберете родителска категория (с двойно кликване):"), this), 3,
-        0, 1, 2);
+    layout->addWidget(new QLabel(tr("изберете родителска категория (с двойно кликване):"), this), 3,
+                      0, 1, 2);
     layout->addWidget(m_tree, 4, 0, 1, 2);
     layout->addWidget(buttons, 5, 0, 1, 2);
     layout->setColumnStretch(1, 1);
@@ -151,22 +150,23 @@ CategoryTreeDialog::CategoryTreeDialog(CFinoraDoc& doc, Prompter& prompter, bool
                                        QWidget* parent)
     : QDialog(parent), m_doc(doc), m_prompter(prompter), m_selectionMode(selectionMode),
       m_tree(new QTreeWidget(this)),
-      m_list(makeReportList(this, {{"#", 0}, {"категория", 180}, {"подкатегория на", 160}})),
-      m_change(new QPushButton(QStringLiteral("&промяна"), this)),
-      m_delete(new QPushButton(QStringLiteral("&изтрий"), this)), m_menu(new QMenu(this))
+      m_list(makeReportList(
+          this, {{QStringLiteral("#"), 0}, {tr("категория"), 180}, {tr("подкатегория на"), 160}})),
+      m_change(new QPushButton(tr("&промяна"), this)),
+      m_delete(new QPushButton(tr("&изтрий"), this)), m_menu(new QMenu(this))
 {
     setWindowTitle(QString::fromUtf8(kCategoriesTitle));
     m_tree->setHeaderHidden(true);
     m_tree->setObjectName(QStringLiteral("categoryTree"));
     m_list->setObjectName(QStringLiteral("categoryList"));
-    auto* add = new QPushButton(QStringLiteral("&нова категория"), this);
-    auto* refresh = new QPushButton(QStringLiteral("&опресни"), this);
-    auto* exit = new QPushButton(QStringLiteral("изхо&д"), this);
-    add->setToolTip(QStringLiteral("създаване на нова категория ..."));
-    m_change->setToolTip(QStringLiteral("промяна на избраната категория ..."));
-    m_delete->setToolTip(QStringLiteral("изтриване на избраната категория ..."));
-    refresh->setToolTip(QStringLiteral("опресняване на данните..."));
-    exit->setToolTip(QStringLiteral("изход ..."));
+    auto* add = new QPushButton(tr("&нова категория"), this);
+    auto* refresh = new QPushButton(tr("&опресни"), this);
+    auto* exit = new QPushButton(tr("изхо&д"), this);
+    add->setToolTip(tr("създаване на нова категория ..."));
+    m_change->setToolTip(tr("промяна на избраната категория ..."));
+    m_delete->setToolTip(tr("изтриване на избраната категория ..."));
+    refresh->setToolTip(tr("опресняване на данните..."));
+    exit->setToolTip(tr("изход ..."));
     for (QPushButton* b : {add, m_change, m_delete, refresh, exit}) {
         b->setAutoDefault(false);
     }
@@ -188,16 +188,14 @@ CategoryTreeDialog::CategoryTreeDialog(CFinoraDoc& doc, Prompter& prompter, bool
     // own double click is taken here.
     m_tree->viewport()->installEventFilter(this);
 
-    m_menu->addAction(QStringLiteral("&Нова категория ..."), this,
+    m_menu->addAction(tr("&Нова категория ..."), this,
                       [this] { openCategoryDialog(CategoryEditor::Mode::New); });
-    QAction* change = m_menu->addAction(QStringLiteral("&Промяна ..."), this, [this] {
-        openCategoryDialog(CategoryEditor::Mode::Change);
-    });
-    QAction* remove =
-        m_menu->addAction(QStringLiteral("&Изтрий"), this, [this] { deleteSelected(); });
-    m_menu->addAction(QStringLiteral("&Опресни"), this, [this] { rebuild(); });
+    QAction* change = m_menu->addAction(
+        tr("&Промяна ..."), this, [this] { openCategoryDialog(CategoryEditor::Mode::Change); });
+    QAction* remove = m_menu->addAction(tr("&Изтрий"), this, [this] { deleteSelected(); });
+    m_menu->addAction(tr("&Опресни"), this, [this] { rebuild(); });
     m_menu->addSeparator();
-    m_menu->addAction(QStringLiteral("И&зход"), this, &QDialog::reject);
+    m_menu->addAction(tr("И&зход"), this, &QDialog::reject);
     connect(m_menu, &QMenu::aboutToShow, this, [this, change, remove] {
         change->setEnabled(selectedId().has_value());
         remove->setEnabled(selectedId().has_value());
@@ -211,7 +209,7 @@ CategoryTreeDialog::CategoryTreeDialog(CFinoraDoc& doc, Prompter& prompter, bool
     buttons->addWidget(makeHelpButton(this, "cat_elem.htm"), 0, Qt::AlignRight);
     buttons->addWidget(exit);
     auto* lists = new QHBoxLayout;
-    lists->addWidget(framed("списък на дефинираните категории", m_tree, this), 1);
+    lists->addWidget(framed(tr("списък на дефинираните категории"), m_tree, this), 1);
     lists->addWidget(m_list, 1);
     auto* layout = new QHBoxLayout(this);
     layout->addLayout(lists, 1);

@@ -15,6 +15,8 @@ namespace finora {
 
 // Picks one category from the tree by a double click.
 class CategoryChooserDialog final : public QDialog {
+    Q_OBJECT
+
 public:
     CategoryChooserDialog(const CFinoraDoc& doc, std::int32_t current, QWidget* parent = nullptr);
     const CategoryChooser& chooser() const { return m_chooser; }
@@ -30,6 +32,8 @@ private:
 
 // A new category, or a new name and parent for one.
 class CategoryDialog final : public QDialog {
+    Q_OBJECT
+
 public:
     CategoryDialog(CFinoraDoc& doc, Prompter& prompter, CategoryEditor::Mode mode, std::int32_t id,
                    QWidget* parent = nullptr);
@@ -49,6 +53,8 @@ private:
 // "категории": the tree of all categories, the list beside it, and their commands. In
 // selection mode a double click hands the category back.
 class CategoryTreeDialog final : public QDialog {
+    Q_OBJECT
+
 public:
     CategoryTreeDialog(CFinoraDoc& doc, Prompter& prompter, bool selectionMode = false,
                        QWidget* parent = nullptr);

@@ -16,17 +16,26 @@
 #include <QVBoxLayout>
 
 namespace finora {
+namespace {
+
+// The cash list's column headers come from the core's report.
+QString cashHeader(std::size_t column)
+{
+    return QString::fromUtf8(cashColumnHeaders().at(column));
+}
+
+} // namespace
 
 CurrencyNameDialog::CurrencyNameDialog(const std::string& current, Prompter& prompter,
                                        QWidget* parent)
     : QDialog(parent), m_prompter(prompter), m_edit(new QLineEdit(qt(current), this))
 {
-    setWindowTitle(current.empty() ? QStringLiteral("Нова валута") : QStringLiteral("Промяна"));
+    setWindowTitle(current.empty() ? tr("Нова валута") : tr("Промяна"));
     m_edit->setAlignment(Qt::AlignCenter);
     auto* buttons = new QDialogButtonBox(this);
-    QPushButton* ok = buttons->addButton(QStringLiteral("&съхрани"), QDialogButtonBox::AcceptRole);
+    QPushButton* ok = buttons->addButton(tr("&съхрани"), QDialogButtonBox::AcceptRole);
     ok->setDefault(true);
-    buttons->addButton(QStringLiteral("&отказ"), QDialogButtonBox::RejectRole);
+    buttons->addButton(tr("&отказ"), QDialogButtonBox::RejectRole);
     connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     connect(m_edit, &QLineEdit::textChanged, this, [this, ok](const QString& text) {
@@ -41,7 +50,7 @@ CurrencyNameDialog::CurrencyNameDialog(const std::string& current, Prompter& pro
     });
     ok->setEnabled(!current.empty());
     auto* layout = new QVBoxLayout(this);
-    layout->addWidget(new QLabel(QStringLiteral("укажете наименование:"), this));
+    layout->addWidget(new QLabel(tr("укажете наименование:"), this));
     layout->addWidget(m_edit);
     layout->addWidget(buttons);
     setMinimumWidth(280);
@@ -62,20 +71,20 @@ void CurrencyNameDialog::accept()
 CurrencyCashDialog::CurrencyCashDialog(CFinoraDoc& doc, const Settings& settings,
                                        Prompter& prompter, QWidget* parent)
     : QDialog(parent), m_editor(doc, settings, prompter), m_prompter(prompter),
-      m_list(makeReportList(this, {{cashColumnHeaders()[0], 0},
-                                   {cashColumnHeaders()[1], 80},
-                                   {cashColumnHeaders()[2], 100, Qt::AlignRight},
-                                   {cashColumnHeaders()[3], 120, Qt::AlignRight},
-                                   {cashColumnHeaders()[4], 70, Qt::AlignRight},
-                                   {cashColumnHeaders()[5], 80, Qt::AlignRight},
-                                   {cashColumnHeaders()[6], 80, Qt::AlignRight},
-                                   {cashColumnHeaders()[7], 80, Qt::AlignRight}})),
-      m_change(new QPushButton(QStringLiteral("&промяна"), this)),
-      m_delete(new QPushButton(QStringLiteral("&изтриване"), this))
+      m_list(makeReportList(this, {{cashHeader(0), 0},
+                                   {cashHeader(1), 80},
+                                   {cashHeader(2), 100, Qt::AlignRight},
+                                   {cashHeader(3), 120, Qt::AlignRight},
+                                   {cashHeader(4), 70, Qt::AlignRight},
+                                   {cashHeader(5), 80, Qt::AlignRight},
+                                   {cashHeader(6), 80, Qt::AlignRight},
+                                   {cashHeader(7), 80, Qt::AlignRight}})),
+      m_change(new QPushButton(tr("&промяна"), this)),
+      m_delete(new QPushButton(tr("&изтриване"), this))
 {
     setWindowTitle(QString::fromUtf8(CurrencyCashEditor::kTitle));
     m_list->setObjectName(QStringLiteral("cashList"));
-    m_list->setToolTip(QStringLiteral("кликнете 2 пъти върху запис, за да го редактирате ..."));
+    m_list->setToolTip(tr("кликнете 2 пъти върху запис, за да го редактирате ..."));
     m_list->header()->setSectionsClickable(true);
     m_list->header()->setSortIndicatorShown(true);
     connect(m_list->header(), &QHeaderView::sectionClicked, this, [this](int column) {
@@ -85,12 +94,12 @@ CurrencyCashDialog::CurrencyCashDialog(CFinoraDoc& doc, const Settings& settings
         fill();
     });
 
-    auto* add = new QPushButton(QStringLiteral("&нова валута"), this);
-    auto* close = new QPushButton(QStringLiteral("&затвори"), this);
-    add->setToolTip(QStringLiteral("дефиниране на нова валута ..."));
-    m_change->setToolTip(QStringLiteral("промяна на маркирания запис ..."));
-    m_delete->setToolTip(QStringLiteral("изтриване на маркираната валута ..."));
-    close->setToolTip(QStringLiteral("изход ..."));
+    auto* add = new QPushButton(tr("&нова валута"), this);
+    auto* close = new QPushButton(tr("&затвори"), this);
+    add->setToolTip(tr("дефиниране на нова валута ..."));
+    m_change->setToolTip(tr("промяна на маркирания запис ..."));
+    m_delete->setToolTip(tr("изтриване на маркираната валута ..."));
+    close->setToolTip(tr("изход ..."));
     for (QPushButton* b : {add, m_change, m_delete, close}) {
         b->setAutoDefault(false);
     }

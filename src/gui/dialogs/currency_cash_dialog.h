@@ -12,6 +12,8 @@ namespace finora {
 
 // Asks for a currency name: centred, in capitals as it is typed.
 class CurrencyNameDialog final : public QDialog {
+    Q_OBJECT
+
 public:
     CurrencyNameDialog(const std::string& current, Prompter& prompter, QWidget* parent = nullptr);
     void accept() override;
@@ -26,6 +28,8 @@ private:
 // "валутна каса": every currency with its cash summary, and the only place currencies are made,
 // renamed and deleted.
 class CurrencyCashDialog final : public QDialog {
+    Q_OBJECT
+
 public:
     CurrencyCashDialog(CFinoraDoc& doc, const Settings& settings, Prompter& prompter,
                        QWidget* parent = nullptr);

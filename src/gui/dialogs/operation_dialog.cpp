@@ -32,24 +32,24 @@ namespace {
 // The currency list tells when it closes: the value field follows the main currency then, and
 // only then.
 class CurrencyCombo final : public QComboBox {
+    Q_OBJECT
+
 public:
     using QComboBox::QComboBox;
-    std::function<void()> onListClosed;
 
     void hidePopup() override
     {
         const bool wasOpen = view() && view()->isVisible();
         QComboBox::hidePopup();
-        if (wasOpen && onListClosed) {
+        if (wasOpen) {
             // The list closes before it hands over the item chosen in it: the rule must see the
             // new choice.
-            QTimer::singleShot(0, this, [this] {
-                if (onListClosed) {
-                    onListClosed();
-                }
-            });
+            QTimer::singleShot(0, this, &CurrencyCombo::listClosed);
         }
     }
+
+Q_SIGNALS:
+    void listClosed();
 };
 
 void setTextKeepingCursor(QLineEdit* edit, const QString& text)
@@ -65,34 +65,50 @@ OperationDialog::OperationDialog(CFinoraDoc& doc, Settings& settings, Prompter& 
                                  OperationEditor::Opening opening, QWidget* parent)
     : QDialog(parent), m_doc(doc), m_prompter(prompter),
       m_editor(doc, settings, prompter, doc.clock().now(), opening), m_date(new DateField(this)),
-      m_income(new QRadioButton(QStringLiteral("приход"), this)),
-      m_expense(new QRadioButton(QStringLiteral("разход"), this)),
-      m_description(new QLineEdit(this)), m_category(new QLabel(this)),
-      m_notes(new QLineEdit(this)), m_amount(new QLineEdit(this)),
+      m_income(new QRadioButton(tr("приход"), this)),
+      m_expense(new QRadioButton(tr("разход"), this)), m_description(new QLineEdit(this)),
+      m_category(new QLabel(this)), m_notes(new QLineEdit(this)), m_amount(new QLineEdit(this)),
       m_currency(new CurrencyCombo(this)), m_rate(new QLineEdit(this)),
-      m_value(new QLineEdit(this)), m_paid(new QCheckBox(QStringLiteral("изплатено?"), this)),
-      m_addChange(new QPushButton(QStringLiteral("&добави/промени"), this)),
-      m_list(makeReportList(this, {{"#", 0},
-                                   {"сума", 70, Qt::AlignRight},
-                                   {"валута", 50, Qt::AlignCenter},
-                                   {"сума в BGL", 80, Qt::AlignRight},
-                                   {"курс", 70, Qt::AlignRight},
-                                   {"платено", 55, Qt::AlignCenter},
-                                   {"inner_id", 0, Qt::AlignCenter}})),
-      m_edit(new QPushButton(QStringLiteral("р&едакция"), this)),
-      m_delete(new QPushButton(QStringLiteral("из&трий"), this)),
-      m_deleteAll(new QPushButton(QStringLiteral("изтрий вси&чки"), this)),
-      m_total(new QLineEdit(this)),
-      m_saveAndNew(new QPushButton(QStringLiteral("съхрани и добави &нова"), this))
+      m_value(new QLineEdit(this)), m_paid(new QCheckBox(tr("изплатено?"), this)),
+      m_addChange(new QPushButton(tr("&добави/промени"), this)),
+      m_list(makeReportList(this, {{QStringLiteral("#"), 0},
+                                   {tr("сума"), 70, Qt::AlignRight},
+                                   {tr("валута"), 50, Qt::AlignCenter},
+                                   {tr("сума в BGL"), 80, Qt::AlignRight},
+                                   {tr("курс"), 70, Qt::AlignRight},
+                                   {tr("платено"), 55, Qt::AlignCenter},
+                                   {QStringLiteral("inner_id"), 0, Qt::AlignCenter}})),
+      m_edit(new QPushButton(tr("р&едакция"), this)),
+      m_delete(new QPushButton(tr("из&трий"), this)),
+      m_deleteAll(new QPushButton(tr("изтрий вси&чки"), this)), m_total(new QLineEdit(this)),
+      m_saveAndNew(new QPushButton(tr("съхрани и добави &нова"), this))
 {
     setWindowTitle(QString::fromUtf8(OperationEditor::kTitle));
     setObjectName(QStringLiteral("operationDialog"));
+    setUpFields();
+    makeButtons();
+    setToolTips();
+    layOut();
+    connectFields();
+    connectPayments();
+
+    showRows();
+    showEntry();
+    if (m_editor.initialRow() >= 0) {
+        m_list->setFocus();
+    } else {
+        m_description->setFocus();
+    }
+}
+
+void OperationDialog::setUpFields()
+{
     m_date->setDate(toQDate(m_editor.date()));
     (m_editor.typeIndex() == 0 ? m_income : m_expense)->setChecked(true);
-    auto* types = new QButtonGroup(this);
-    types->addButton(m_income, 0);
-    types->addButton(m_expense, 1);
-    tabStopOnChosen(types);
+    m_types = new QButtonGroup(this);
+    m_types->addButton(m_income, 0);
+    m_types->addButton(m_expense, 1);
+    tabStopOnChosen(m_types);
     m_description->setText(qt(m_editor.description()));
     m_notes->setText(qt(m_editor.notes()));
     m_category->setObjectName(QStringLiteral("category"));
@@ -116,57 +132,66 @@ OperationDialog::OperationDialog(CFinoraDoc& doc, Settings& settings, Prompter& 
         edit->setAlignment(Qt::AlignRight);
         edit->installEventFilter(this);
     }
-    auto* chooseCategory = new QPushButton(QStringLiteral("..."), this);
-    chooseCategory->setObjectName(QStringLiteral("chooseCategory"));
-    chooseCategory->setMaximumWidth(
-        chooseCategory->fontMetrics().horizontalAdvance(QStringLiteral("....")) + 20);
-    auto* clear = new QPushButton(QStringLiteral("изчи&сти"), this);
+}
+
+void OperationDialog::makeButtons()
+{
+    m_chooseCategory = new QPushButton(QStringLiteral("..."), this);
+    m_chooseCategory->setObjectName(QStringLiteral("chooseCategory"));
+    m_chooseCategory->setMaximumWidth(
+        m_chooseCategory->fontMetrics().horizontalAdvance(QStringLiteral("....")) + 20);
+    m_clear = new QPushButton(tr("изчи&сти"), this);
     m_addChange->setIcon(style()->standardIcon(QStyle::SP_ArrowDown));
-    clear->setIcon(style()->standardIcon(QStyle::SP_DialogResetButton));
-    auto* save = new QPushButton(QStringLiteral("&съхрани"), this);
-    auto* cancel = new QPushButton(QStringLiteral("отказ"), this);
-    m_cancel = cancel;
-    save->setDefault(true);
-    for (QPushButton* b : {m_addChange, clear, m_edit, m_delete, m_deleteAll, m_saveAndNew, cancel,
-                           chooseCategory}) {
+    m_clear->setIcon(style()->standardIcon(QStyle::SP_DialogResetButton));
+    m_save = new QPushButton(tr("&съхрани"), this);
+    m_cancel = new QPushButton(tr("отказ"), this);
+    m_save->setDefault(true);
+    for (QPushButton* b : {m_addChange, m_clear, m_edit, m_delete, m_deleteAll, m_saveAndNew,
+                           m_cancel, m_chooseCategory}) {
         b->setAutoDefault(false);
     }
     m_saveAndNew->setVisible(m_editor.isNew());
+}
 
+void OperationDialog::setToolTips()
+{
     const std::pair<QWidget*, const char*> tips[] = {
-        {m_edit, "редакция на маркираното плащане ..."},
-        {m_delete, "изтриване на маркираното плащане ..."},
-        {m_deleteAll, "изтриване на всички плащания по тази операция..."},
-        {clear,
-         "изчиства данните за добавяното/променяното в момента плащане по тази операция ..."},
-        {m_addChange, "добава/променя плащане по текущата операция ..."},
-        {m_paid, "указва, дали е извършено това плащане по операцията ..."},
-        {m_total, "крайната сума в лева на всички плащания по текущата операция ..."},
-        {m_rate,
-         "можете да укажете курс, по който е придобита валутата (ако плащането не е в лева)"},
-        {m_value, "вместо да задавате курс, можете да укажете стойността на валутата в лева (ако "
-                  "плащането не е в лева)"},
-        {chooseCategory, "изберете категория, с която ще асоциирате операцията ..."},
-        {m_list, "Списък на плащанията по тази операция. Кликнете 2 пъти определен запис, за да го "
-                 "промените..."},
-        {save, "съхранява операцията ..."},
-        {cancel, "отказва операцията ..."},
-        {m_saveAndNew, "съхранява операцията и добавя нова..."},
-        {m_date, "Укажете дата за тази операция ..."},
-        {m_income, "Укажете тип за тази операция: приход или разход ..."},
-        {m_expense, "Укажете тип за тази операция: приход или разход ..."},
-        {m_description, "Укажете кратко описание за текущата операция тук ..."},
-        {m_amount, "Укажете сумата по това плащане ..."},
-        {m_currency, "Ако не е в ЛЕВА, изберете валутата, в която е сумата по това плащане ..."},
-        {m_notes, "Ако имате някакви забележки, включете ги тук ..."},
+        {m_edit, QT_TR_NOOP("редакция на маркираното плащане ...")},
+        {m_delete, QT_TR_NOOP("изтриване на маркираното плащане ...")},
+        {m_deleteAll, QT_TR_NOOP("изтриване на всички плащания по тази операция...")},
+        {m_clear, QT_TR_NOOP("изчиства данните за добавяното/променяното в момента плащане по "
+                             "тази операция ...")},
+        {m_addChange, QT_TR_NOOP("добава/променя плащане по текущата операция ...")},
+        {m_paid, QT_TR_NOOP("указва, дали е извършено това плащане по операцията ...")},
+        {m_total, QT_TR_NOOP("крайната сума в лева на всички плащания по текущата операция ...")},
+        {m_rate, QT_TR_NOOP("можете да укажете курс, по който е придобита валутата (ако "
+                            "плащането не е в лева)")},
+        {m_value, QT_TR_NOOP("вместо да задавате курс, можете да укажете стойността на валутата "
+                             "в лева (ако плащането не е в лева)")},
+        {m_chooseCategory, QT_TR_NOOP("изберете категория, с която ще асоциирате операцията ...")},
+        {m_list, QT_TR_NOOP("Списък на плащанията по тази операция. Кликнете 2 пъти определен "
+                            "запис, за да го промените...")},
+        {m_save, QT_TR_NOOP("съхранява операцията ...")},
+        {m_cancel, QT_TR_NOOP("отказва операцията ...")},
+        {m_saveAndNew, QT_TR_NOOP("съхранява операцията и добавя нова...")},
+        {m_date, QT_TR_NOOP("Укажете дата за тази операция ...")},
+        {m_income, QT_TR_NOOP("Укажете тип за тази операция: приход или разход ...")},
+        {m_expense, QT_TR_NOOP("Укажете тип за тази операция: приход или разход ...")},
+        {m_description, QT_TR_NOOP("Укажете кратко описание за текущата операция тук ...")},
+        {m_amount, QT_TR_NOOP("Укажете сумата по това плащане ...")},
+        {m_currency, QT_TR_NOOP("Ако не е в ЛЕВА, изберете валутата, в която е сумата по това "
+                                "плащане ...")},
+        {m_notes, QT_TR_NOOP("Ако имате някакви забележки, включете ги тук ...")},
     };
     for (const auto& [widget, tip] : tips) {
-        widget->setToolTip(QString::fromUtf8(tip));
+        widget->setToolTip(tr(tip));
     }
+}
 
-    // --- layout, in the order the tab key follows
+QGridLayout* OperationDialog::makeOperationFields()
+{
     auto* top = new QGridLayout;
-    top->addWidget(new QLabel(QStringLiteral("дата:"), this), 0, 0);
+    top->addWidget(new QLabel(tr("дата:"), this), 0, 0);
     auto* dateRow = new QHBoxLayout;
     dateRow->addWidget(m_date);
     dateRow->addSpacing(16);
@@ -174,46 +199,56 @@ OperationDialog::OperationDialog(CFinoraDoc& doc, Settings& settings, Prompter& 
     dateRow->addWidget(m_expense);
     dateRow->addStretch();
     top->addLayout(dateRow, 0, 1, 1, 2);
-    top->addWidget(new QLabel(QStringLiteral("кратко описание:"), this), 1, 0);
+    top->addWidget(new QLabel(tr("кратко описание:"), this), 1, 0);
     top->addWidget(m_description, 1, 1, 1, 2);
-    top->addWidget(new QLabel(QStringLiteral("избрана категория:"), this), 2, 0);
+    top->addWidget(new QLabel(tr("избрана категория:"), this), 2, 0);
     top->addWidget(m_category, 2, 1);
-    top->addWidget(chooseCategory, 2, 2);
-    top->addWidget(new QLabel(QStringLiteral("забележка:"), this), 3, 0);
+    top->addWidget(m_chooseCategory, 2, 2);
+    top->addWidget(new QLabel(tr("забележка:"), this), 3, 0);
     top->addWidget(m_notes, 3, 1, 1, 2);
     top->setColumnStretch(1, 1);
+    return top;
+}
 
-    auto* payment = new QGroupBox(QStringLiteral("плащане"), this);
+QGroupBox* OperationDialog::makePaymentBox()
+{
+    auto* payment = new QGroupBox(tr("плащане"), this);
     auto* entry = new QGridLayout(payment);
-    entry->addWidget(new QLabel(QStringLiteral("сума:"), this), 0, 0);
+    entry->addWidget(new QLabel(tr("сума:"), this), 0, 0);
     entry->addWidget(m_amount, 1, 0);
-    entry->addWidget(new QLabel(QStringLiteral("валута:"), this), 0, 1);
+    entry->addWidget(new QLabel(tr("валута:"), this), 0, 1);
     entry->addWidget(m_currency, 1, 1);
-    entry->addWidget(new QLabel(QStringLiteral("курс на валута:"), this), 0, 2);
+    entry->addWidget(new QLabel(tr("курс на валута:"), this), 0, 2);
     entry->addWidget(m_rate, 1, 2);
-    entry->addWidget(new QLabel(QStringLiteral("стойност в лв:"), this), 0, 3);
+    entry->addWidget(new QLabel(tr("стойност в лв:"), this), 0, 3);
     entry->addWidget(m_value, 1, 3);
     entry->addWidget(m_paid, 1, 4);
     auto* entryButtons = new QHBoxLayout;
     entryButtons->addStretch();
     entryButtons->addWidget(m_addChange);
-    entryButtons->addWidget(clear);
+    entryButtons->addWidget(m_clear);
     entry->addLayout(entryButtons, 2, 0, 1, 5);
+    return payment;
+}
 
+void OperationDialog::layOut()
+{
+    QGridLayout* top = makeOperationFields();
+    QGroupBox* payment = makePaymentBox();
     auto* rowButtons = new QHBoxLayout;
     rowButtons->addWidget(m_edit);
     rowButtons->addWidget(m_delete);
     rowButtons->addWidget(m_deleteAll);
     rowButtons->addStretch();
-    rowButtons->addWidget(new QLabel(QStringLiteral("ОБЩО BGL"), this));
+    rowButtons->addWidget(new QLabel(tr("ОБЩО BGL"), this));
     rowButtons->addWidget(m_total);
 
     auto* buttons = new QHBoxLayout;
     buttons->addWidget(makeHelpButton(this, "help.chm::/ops_elem.htm"));
     buttons->addStretch();
-    buttons->addWidget(save);
+    buttons->addWidget(m_save);
     buttons->addWidget(m_saveAndNew);
-    buttons->addWidget(cancel);
+    buttons->addWidget(m_cancel);
 
     // The fields scroll on a small screen; the buttons that end the dialog stay in sight.
     auto* fields = new QWidget(this);
@@ -232,19 +267,21 @@ OperationDialog::OperationDialog(CFinoraDoc& doc, Settings& settings, Prompter& 
     keepWindowGeometry(this, "operation");
 
     // The tab key follows the layout, top to bottom and left to right.
-    QWidget* order[] = {m_date,   m_income,    m_expense,  m_description, chooseCategory,
+    QWidget* order[] = {m_date,   m_income,    m_expense,  m_description, m_chooseCategory,
                         m_notes,  m_amount,    m_currency, m_rate,        m_value,
-                        m_paid,   m_addChange, clear,      m_list,        m_edit,
-                        m_delete, m_deleteAll, save,       m_saveAndNew,  cancel};
+                        m_paid,   m_addChange, m_clear,    m_list,        m_edit,
+                        m_delete, m_deleteAll, m_save,     m_saveAndNew,  m_cancel};
     for (std::size_t i = 1; i < std::size(order); ++i) {
         setTabOrder(order[i - 1], order[i]);
     }
+}
 
-    // --- what the user does, forwarded
+void OperationDialog::connectFields()
+{
     connect(m_date, &QDateEdit::dateChanged, this,
             [this](const QDate& d) { m_editor.setDate(fromQDate(d)); });
-    connect(types, &QButtonGroup::idClicked, this, [this](int id) { m_editor.setTypeIndex(id); });
-    connect(chooseCategory, &QPushButton::clicked, this, [this] {
+    connect(m_types, &QButtonGroup::idClicked, this, [this](int id) { m_editor.setTypeIndex(id); });
+    connect(m_chooseCategory, &QPushButton::clicked, this, [this] {
         CategoryChooserDialog chooser(m_doc, m_editor.categoryId(), this);
         if (chooser.exec() == QDialog::Accepted) {
             m_editor.chooseCategory(chooser.chooser().chosenId(), chooser.chooser().chosenName());
@@ -269,22 +306,26 @@ OperationDialog::OperationDialog(CFinoraDoc& doc, Settings& settings, Prompter& 
         m_editor.selectCurrency(m_editor.currencies().at(static_cast<std::size_t>(index)));
         showEntry();
     });
-    static_cast<CurrencyCombo*>(m_currency)->onListClosed = [this] {
+    connect(static_cast<CurrencyCombo*>(m_currency), &CurrencyCombo::listClosed, this, [this] {
         m_editor.currencyListClosed();
         showEntry();
-    };
+    });
     connect(m_paid, &QCheckBox::toggled, this, [this](bool on) {
         if (!m_showing) {
             m_editor.setPaid(on);
         }
     });
+}
+
+void OperationDialog::connectPayments()
+{
     connect(m_addChange, &QPushButton::clicked, this, [this] {
         if (m_editor.addOrChange()) {
             showRows();
             m_amount->setFocus();
         }
     });
-    connect(clear, &QPushButton::clicked, this, [this] {
+    connect(m_clear, &QPushButton::clicked, this, [this] {
         m_editor.clearEntry();
         showEntry();
     });
@@ -315,17 +356,9 @@ OperationDialog::OperationDialog(CFinoraDoc& doc, Settings& settings, Prompter& 
             showRows();
         }
     });
-    connect(save, &QPushButton::clicked, this, &QDialog::accept);
+    connect(m_save, &QPushButton::clicked, this, &QDialog::accept);
     connect(m_saveAndNew, &QPushButton::clicked, this, [this] { saveWith(true); });
-    connect(cancel, &QPushButton::clicked, this, &QDialog::reject);
-
-    showRows();
-    showEntry();
-    if (m_editor.initialRow() >= 0) {
-        m_list->setFocus();
-    } else {
-        m_description->setFocus();
-    }
+    connect(m_cancel, &QPushButton::clicked, this, &QDialog::reject);
 }
 
 OperationDialog::~OperationDialog()
@@ -464,3 +497,5 @@ void OperationDialog::accept()
 }
 
 } // namespace finora
+
+#include "operation_dialog.moc"

@@ -4,9 +4,12 @@
 
 #include <QDialog>
 
+class QButtonGroup;
 class QCheckBox;
 class QComboBox;
 class QDateEdit;
+class QGridLayout;
+class QGroupBox;
 class QLabel;
 class QLineEdit;
 class QPushButton;
@@ -18,6 +21,8 @@ namespace finora {
 // "нова операция": shows what the editor holds and forwards what the user does. The three
 // number fields report focus changes, because the one being typed in drives the others.
 class OperationDialog final : public QDialog {
+    Q_OBJECT
+
 public:
     OperationDialog(CFinoraDoc& doc, Settings& settings, Prompter& prompter,
                     OperationEditor::Opening opening, QWidget* parent = nullptr);
@@ -31,6 +36,14 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    void setUpFields();
+    void makeButtons();
+    void setToolTips();
+    QGridLayout* makeOperationFields();
+    QGroupBox* makePaymentBox();
+    void layOut();
+    void connectFields();
+    void connectPayments();
     void showEntry();
     void showRows();
     void showState();
@@ -48,6 +61,7 @@ private:
     QDateEdit* m_date;
     QRadioButton* m_income;
     QRadioButton* m_expense;
+    QButtonGroup* m_types = nullptr;
     QLineEdit* m_description;
     QLabel* m_category;
     QLineEdit* m_notes;
@@ -63,6 +77,9 @@ private:
     QPushButton* m_deleteAll;
     QLineEdit* m_total;
     QPushButton* m_saveAndNew;
+    QPushButton* m_chooseCategory = nullptr;
+    QPushButton* m_clear = nullptr;
+    QPushButton* m_save = nullptr;
     QPushButton* m_cancel = nullptr;
 };
 

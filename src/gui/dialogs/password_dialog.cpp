@@ -14,14 +14,14 @@ PasswordDialog::PasswordDialog(bool lockMode, Prompter& prompter, QWidget* paren
     : QDialog(parent), m_lockMode(lockMode), m_prompter(prompter), m_first(new QLineEdit(this)),
       m_second(new QLineEdit(this))
 {
-    setWindowTitle(lockMode ? QStringLiteral("Заключване") : QStringLiteral("Отключване"));
+    setWindowTitle(lockMode ? tr("Заключване") : tr("Отключване"));
     m_first->setEchoMode(QLineEdit::Password);
     m_second->setEchoMode(QLineEdit::Password);
     m_second->setEnabled(lockMode);
-    auto* buttons = makeDialogButtons(this, QStringLiteral("OK"));
+    auto* buttons = makeDialogButtons(this, tr("OK"));
     auto* layout = new QFormLayout(this);
-    layout->addRow(QStringLiteral("укажете парола:"), m_first);
-    layout->addRow(QStringLiteral("повторете паролата:"), m_second);
+    layout->addRow(tr("укажете парола:"), m_first);
+    layout->addRow(tr("повторете паролата:"), m_second);
     layout->addRow(buttons);
     setMinimumWidth(320);
 }

@@ -12,6 +12,8 @@ namespace finora {
 
 // "Заключване" (a new password, typed twice) or "Отключване" (the password, once).
 class PasswordDialog final : public QDialog {
+    Q_OBJECT
+
 public:
     PasswordDialog(bool lockMode, Prompter& prompter, QWidget* parent = nullptr);
     void accept() override;

@@ -15,8 +15,7 @@ PrintWidthsDialog::PrintWidthsDialog(Settings& settings, Prompter& prompter, QWi
 {
     setWindowTitle(QString::fromUtf8(kPrintWidthsTitle));
     auto* note = new QLabel(
-        QStringLiteral("моля, укажете широчина в милиметри за всяко поле от отпечатаните справки"),
-        this);
+        tr("моля, укажете широчина в милиметри за всяко поле от отпечатаните справки"), this);
     note->setWordWrap(true);
     auto* grid = new QGridLayout;
     const PrintWidthTexts texts = printWidthTexts(settings);
@@ -29,8 +28,8 @@ PrintWidthsDialog::PrintWidthsDialog(Settings& settings, Prompter& prompter, QWi
         grid->addWidget(frame, static_cast<int>(i / 4), static_cast<int>(i % 4));
     }
     auto* buttons = new QDialogButtonBox(this);
-    buttons->addButton(QStringLiteral("Съхрани"), QDialogButtonBox::AcceptRole)->setDefault(true);
-    buttons->addButton(QStringLiteral("Отказ"), QDialogButtonBox::RejectRole);
+    buttons->addButton(tr("Съхрани"), QDialogButtonBox::AcceptRole)->setDefault(true);
+    buttons->addButton(tr("Отказ"), QDialogButtonBox::RejectRole);
     connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     auto* layout = new QVBoxLayout(this);

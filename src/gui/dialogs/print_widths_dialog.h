@@ -10,6 +10,8 @@ namespace finora {
 
 // "Настро&йка на полетата за печат ...": seven widths in millimetres.
 class PrintWidthsDialog final : public QDialog {
+    Q_OBJECT
+
 public:
     PrintWidthsDialog(Settings& settings, Prompter& prompter, QWidget* parent = nullptr);
     void accept() override;

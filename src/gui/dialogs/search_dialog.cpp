@@ -17,57 +17,55 @@ namespace finora {
 
 SearchDialog::SearchDialog(SearchEditor& editor, QWidget* parent)
     : QDialog(parent), m_editor(editor), m_text(new QLineEdit(this)),
-      m_mode(new QButtonGroup(this)),
-      m_exact(new QCheckBox(QStringLiteral("търси същата фраза"), this)),
-      m_description(new QCheckBox(QStringLiteral("описание"), this)),
-      m_currency(new QCheckBox(QStringLiteral("валута"), this)),
-      m_notes(new QCheckBox(QStringLiteral("забележки"), this)),
-      m_case(new QCheckBox(QStringLiteral("прави разлика между малки и главни букви"), this)),
-      m_only(new QCheckBox(QStringLiteral("показвай само съвпадащите редове"), this))
+      m_mode(new QButtonGroup(this)), m_exact(new QCheckBox(tr("търси същата фраза"), this)),
+      m_description(new QCheckBox(tr("описание"), this)),
+      m_currency(new QCheckBox(tr("валута"), this)), m_notes(new QCheckBox(tr("забележки"), this)),
+      m_case(new QCheckBox(tr("прави разлика между малки и главни букви"), this)),
+      m_only(new QCheckBox(tr("показвай само съвпадащите редове"), this))
 {
-    setWindowTitle(QStringLiteral("Търсене"));
-    auto* what = new QGroupBox(QStringLiteral("търсене на:"), this);
+    setWindowTitle(tr("Търсене"));
+    auto* what = new QGroupBox(tr("търсене на:"), this);
     auto* whatLayout = new QVBoxLayout(what);
     whatLayout->addWidget(m_text);
     auto* modes = new QHBoxLayout;
     const char* tips[] = {
-        "Тази опция указва на програмата да търси всички думи въведени от потребителя...",
-        "Намирането на която и да е от въведените думи, ще бъде считано за съвпадение...",
-        "За съвпадащ ще се приема само запис, който не съдържа нито една от посочените думи за "
-        "търсене..."};
-    const char* names[] = {"AND", "OR", "NOT"};
+        QT_TR_NOOP(
+            "Тази опция указва на програмата да търси всички думи въведени от потребителя..."),
+        QT_TR_NOOP(
+            "Намирането на която и да е от въведените думи, ще бъде считано за съвпадение..."),
+        QT_TR_NOOP("За съвпадащ ще се приема само запис, който не съдържа нито една от посочените "
+                   "думи за търсене...")};
+    const char* names[] = {QT_TR_NOOP("AND"), QT_TR_NOOP("OR"), QT_TR_NOOP("NOT")};
     for (int i = 0; i < 3; ++i) {
-        auto* radio = new QRadioButton(QString::fromLatin1(names[i]), what);
-        radio->setToolTip(QString::fromUtf8(tips[i]));
+        auto* radio = new QRadioButton(tr(names[i]), what);
+        radio->setToolTip(tr(tips[i]));
         m_mode->addButton(radio, i);
         modes->addWidget(radio);
     }
     modes->addWidget(m_exact);
     whatLayout->addLayout(modes);
 
-    auto* where = new QGroupBox(QStringLiteral("търсене в:"), this);
+    auto* where = new QGroupBox(tr("търсене в:"), this);
     auto* whereLayout = new QHBoxLayout(where);
     for (QCheckBox* box : {m_description, m_currency, m_notes}) {
         whereLayout->addWidget(box);
     }
-    auto* other = new QGroupBox(QStringLiteral("други опции"), this);
+    auto* other = new QGroupBox(tr("други опции"), this);
     auto* otherLayout = new QVBoxLayout(other);
     otherLayout->addWidget(m_case);
     otherLayout->addWidget(m_only);
 
-    m_exact->setToolTip(QStringLiteral(
+    m_exact->setToolTip(tr(
         "Ако желаете да търсите точно определена поредица от символи, активирайте тази опция..."));
-    m_only->setToolTip(
-        QStringLiteral("Ако активирате тази опция, на екрана ще се визуализират само "
-                       "съвпадащите редове. Иначе ще бъдат маркирани..."));
-    m_case->setToolTip(QStringLiteral(
-        "Ако е активирана тази опция ще счита малките и големите букви като различни..."));
-    m_description->setToolTip(
-        QStringLiteral("Указва търсене в полето за описание на операциите..."));
-    m_notes->setToolTip(QStringLiteral("Указва търсене в полето за забележки на операциите..."));
-    m_currency->setToolTip(QStringLiteral("Указва търсене в полето за наименование на валута ..."));
+    m_only->setToolTip(tr("Ако активирате тази опция, на екрана ще се визуализират само "
+                          "съвпадащите редове. Иначе ще бъдат маркирани..."));
+    m_case->setToolTip(
+        tr("Ако е активирана тази опция ще счита малките и големите букви като различни..."));
+    m_description->setToolTip(tr("Указва търсене в полето за описание на операциите..."));
+    m_notes->setToolTip(tr("Указва търсене в полето за забележки на операциите..."));
+    m_currency->setToolTip(tr("Указва търсене в полето за наименование на валута ..."));
 
-    auto* buttons = makeDialogButtons(this, QStringLiteral("търси"));
+    auto* buttons = makeDialogButtons(this, tr("търси"));
 
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(what);

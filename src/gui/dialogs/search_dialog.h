@@ -12,6 +12,8 @@ namespace finora {
 
 // "Търсене": shows the editor's request and forwards every change to it.
 class SearchDialog final : public QDialog {
+    Q_OBJECT
+
 public:
     SearchDialog(SearchEditor& editor, QWidget* parent = nullptr);
     void accept() override;

@@ -32,12 +32,12 @@ QString tipsFilePath()
 
 TipDialog::TipDialog(const QString& path, Settings& settings, Prompter& prompter, QWidget* parent)
     : QDialog(parent), m_tips(QFile::encodeName(path).toStdString(), settings, prompter),
-      m_text(new QLabel(this)), m_show(new QCheckBox(QStringLiteral("&показвай съветите"), this))
+      m_text(new QLabel(this)), m_show(new QCheckBox(tr("&показвай съветите"), this))
 {
-    setWindowTitle(QStringLiteral("Съвет на деня"));
+    setWindowTitle(tr("Съвет на деня"));
     auto* picture = new QLabel(this);
     picture->setPixmap(style()->standardIcon(QStyle::SP_MessageBoxInformation).pixmap(32, 32));
-    auto* heading = new QLabel(QStringLiteral("Знаете ли, че ..."), this);
+    auto* heading = new QLabel(tr("Знаете ли, че ..."), this);
     QFont bold = heading->font();
     bold.setBold(true);
     bold.setPointSizeF(bold.pointSizeF() * 1.3);
@@ -56,10 +56,8 @@ TipDialog::TipDialog(const QString& path, Settings& settings, Prompter& prompter
     m_show->setChecked(m_tips.showAtStartUp());
 
     auto* buttons = new QDialogButtonBox(this);
-    QPushButton* next =
-        buttons->addButton(QStringLiteral("&Следващия"), QDialogButtonBox::ActionRole);
-    QPushButton* close =
-        buttons->addButton(QStringLiteral("&Затвори"), QDialogButtonBox::AcceptRole);
+    QPushButton* next = buttons->addButton(tr("&Следващия"), QDialogButtonBox::ActionRole);
+    QPushButton* close = buttons->addButton(tr("&Затвори"), QDialogButtonBox::AcceptRole);
     close->setDefault(true);
     next->setAutoDefault(false);
     next->setEnabled(m_tips.isOpen());

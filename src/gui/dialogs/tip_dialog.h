@@ -11,6 +11,8 @@ namespace finora {
 
 // "Съвет на деня".
 class TipDialog final : public QDialog {
+    Q_OBJECT
+
 public:
     TipDialog(const QString& path, Settings& settings, Prompter& prompter,
               QWidget* parent = nullptr);

@@ -23,6 +23,8 @@ namespace finora {
 // over it, which is how the chart is refreshed. After a resize the picture no longer fits and
 // only the request is shown.
 class YearlyChartDialog::Frame final : public QWidget {
+    Q_OBJECT
+
 public:
     explicit Frame(QWidget* parent) : QWidget(parent)
     {
@@ -57,7 +59,7 @@ protected:
         // QPainter's background mode is transparent: the text lies over the picture.
         painter.setPen(palette().windowText().color());
         painter.drawText(rect().adjusted(12, 12, -12, -12), Qt::AlignCenter | Qt::TextWordWrap,
-                         QString::fromUtf8(kRepaintText));
+                         YearlyChartDialog::tr(kRepaintText));
     }
 
 private:
@@ -71,7 +73,7 @@ YearlyChartDialog::YearlyChartDialog(const CFinoraDoc& doc, int year, Prompter& 
       m_chart(std::make_unique<Chart>()), m_frame(new Frame(this)),
       m_yearEdit(new QLineEdit(QString::number(year), this))
 {
-    setWindowTitle(QStringLiteral("Диаграма на приходите и разходите по месеци ..."));
+    setWindowTitle(tr("Диаграма на приходите и разходите по месеци ..."));
     setObjectName(QStringLiteral("yearlyChart"));
     m_yearEdit->setObjectName(QStringLiteral("year"));
     m_yearEdit->setValidator(new QIntValidator(m_yearEdit));
@@ -94,10 +96,10 @@ YearlyChartDialog::YearlyChartDialog(const CFinoraDoc& doc, int year, Prompter& 
     spin->setSpacing(0);
     spin->addWidget(up);
     spin->addWidget(down);
-    auto* generate = new QPushButton(QStringLiteral("генерирай диаграма"), this);
-    auto* refresh = new QPushButton(QStringLiteral("обнови"), this);
-    auto* save = new QPushButton(QStringLiteral("запиши като PNG ..."), this);
-    auto* exit = new QPushButton(QStringLiteral("изход"), this);
+    auto* generate = new QPushButton(tr("генерирай диаграма"), this);
+    auto* refresh = new QPushButton(tr("обнови"), this);
+    auto* save = new QPushButton(tr("запиши като PNG ..."), this);
+    auto* exit = new QPushButton(tr("изход"), this);
     generate->setDefault(true);
 
     connect(up, &QToolButton::clicked, this, [this] { stepYear(1); });
@@ -108,9 +110,9 @@ YearlyChartDialog::YearlyChartDialog(const CFinoraDoc& doc, int year, Prompter& 
     });
     connect(refresh, &QPushButton::clicked, this, [this] { draw(DrawMode::Refresh); });
     connect(save, &QPushButton::clicked, this, [this] {
-        const QString path = QFileDialog::getSaveFileName(
-            this, QStringLiteral("Запиши диаграмата"),
-            QStringLiteral("диаграма-%1.png").arg(m_year), QStringLiteral("PNG (*.png)"));
+        const QString path = QFileDialog::getSaveFileName(this, tr("Запиши диаграмата"),
+                                                          tr("диаграма-%1.png").arg(m_year),
+                                                          QStringLiteral("PNG (*.png)"));
         if (!path.isEmpty()) {
             savePicture(path);
         }
@@ -120,7 +122,7 @@ YearlyChartDialog::YearlyChartDialog(const CFinoraDoc& doc, int year, Prompter& 
     // The frame takes every pixel the dialog grows by; the controls keep to the bottom edge,
     // "изход" to the bottom right corner.
     auto* controls = new QHBoxLayout;
-    controls->addWidget(new QLabel(QStringLiteral("Генерирай диаграма за: "), this));
+    controls->addWidget(new QLabel(tr("Генерирай диаграма за: "), this));
     controls->addWidget(m_yearEdit);
     controls->addLayout(spin);
     controls->addWidget(generate);
@@ -173,8 +175,10 @@ bool YearlyChartDialog::savePicture(const QString& path) const
     if (!m_frame->picture().isNull() && m_frame->picture().save(path, "PNG")) {
         return true;
     }
-    m_prompter.error("Диаграмата не беше записана във файла „" + path.toStdString() + "“.");
+    m_prompter.error(tr("Диаграмата не беше записана във файла „%1“.").arg(path).toStdString());
     return false;
 }
 
 } // namespace finora
+
+#include "yearly_chart_dialog.moc"

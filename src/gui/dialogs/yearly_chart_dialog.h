@@ -16,6 +16,8 @@ namespace finora {
 // "Диаграма на приходите и разходите по месеци ...": two bars a month, income and expense in
 // BGL, for the year in the field, from every operation of the ledger.
 class YearlyChartDialog final : public QDialog {
+    Q_OBJECT
+
 public:
     enum class DrawMode { First = 0, YearChanged = 1, Refresh = 2 };
 
@@ -36,7 +38,7 @@ public:
     static constexpr int kSpinMinimum = 2000;
     static constexpr int kSpinMaximum = 2020;
     static constexpr const char* kRepaintText =
-        "кликнете бутона \"обнови\" за опресняване на графиката...";
+        QT_TR_NOOP("кликнете бутона \"обнови\" за опресняване на графиката...");
 
 protected:
     void showEvent(QShowEvent* event) override;
