@@ -15,6 +15,7 @@
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QLabel>
+#include <QMetaMethod>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QTreeWidget>
@@ -26,16 +27,18 @@ namespace {
 // A drop-down list that is refilled each time it opens, so it always offers the ledger's
 // currencies as they are now.
 class RefreshingComboBox final : public QComboBox {
+    Q_OBJECT
+
 public:
     using QComboBox::QComboBox;
-    std::function<void()> beforePopup;
     void showPopup() override
     {
-        if (beforePopup) {
-            beforePopup();
-        }
+        Q_EMIT aboutToShowList();
         QComboBox::showPopup();
     }
+
+Q_SIGNALS:
+    void aboutToShowList();
 };
 
 } // namespace
@@ -45,24 +48,22 @@ FilterPanel::FilterPanel(CFinoraDoc& doc, Settings& settings, Prompter& prompter
     : QWidget(parent), m_doc(doc), m_settings(settings), m_prompter(prompter), m_criteria(criteria),
       m_type(new QComboBox(this)), m_from(new DateField(this)), m_to(new DateField(this)),
       m_tree(new QTreeWidget(this)), m_selected(new QTreeWidget(this)),
-      m_subcategories(new QCheckBox(QStringLiteral("включи и подкатегориите"), this)),
-      m_remove(new QPushButton(QStringLiteral("премахни"), this)),
-      m_clear(new QPushButton(QStringLiteral("изчисти"), this)),
-      m_currency(new RefreshingComboBox(this))
+      m_subcategories(new QCheckBox(tr("включи и подкатегориите"), this)),
+      m_remove(new QPushButton(tr("премахни"), this)),
+      m_clear(new QPushButton(tr("изчисти"), this)), m_currency(new RefreshingComboBox(this))
 {
-    static_cast<RefreshingComboBox*>(m_currency)->beforePopup = [this] {
-        m_showing = true; // refilling is not a choice of the user's
-        fillCurrencies();
-        m_showing = false;
-    };
     setObjectName(QStringLiteral("filterPanel"));
+    setUpControls();
+    layOut();
+    connectControls();
+}
+
+void FilterPanel::setUpControls()
+{
     for (const std::string_view choice : kTypeChoices) {
         m_type->addItem(QString::fromUtf8(choice.data(), static_cast<qsizetype>(choice.size())));
     }
     m_type->setObjectName(QStringLiteral("typeFilter"));
-    for (QDateEdit* edit : {m_from, m_to}) {
-        connect(edit, &QDateEdit::dateChanged, this, [this] { changed(); });
-    }
     m_from->setObjectName(QStringLiteral("periodFrom"));
     m_to->setObjectName(QStringLiteral("periodTo"));
     m_currency->setObjectName(QStringLiteral("currencyFilter"));
@@ -70,55 +71,64 @@ FilterPanel::FilterPanel(CFinoraDoc& doc, Settings& settings, Prompter& prompter
     m_tree->setObjectName(QStringLiteral("categoryTree"));
     m_tree->setHeaderHidden(true);
     m_selected->setObjectName(QStringLiteral("selectedCategories"));
-    m_selected->setHeaderLabels({QStringLiteral("избрани категории:")});
+    m_selected->setHeaderLabels({tr("избрани категории:")});
     m_selected->setRootIsDecorated(false);
     m_subcategories->setObjectName(QStringLiteral("includeSubcategories"));
-    m_subcategories->setToolTip(QStringLiteral("указва, дали програмата да визуализира и данните "
-                                               "за подкатегориите на избраните категории..."));
+    m_subcategories->setToolTip(tr("указва, дали програмата да визуализира и данните за "
+                                   "подкатегориите на избраните категории..."));
 
-    auto* paidGroup = new QButtonGroup(this);
-    const char* paidTexts[] = {"всички операции", "само платените", "само неплатените"};
+    m_paidGroup = new QButtonGroup(this);
+    const char* paidTexts[] = {QT_TR_NOOP("всички операции"), QT_TR_NOOP("само платените"),
+                               QT_TR_NOOP("само неплатените")};
     for (int i = 0; i < 3; ++i) {
-        m_paid[i] = new QRadioButton(QString::fromUtf8(paidTexts[i]), this);
-        paidGroup->addButton(m_paid[i], i);
+        m_paid[i] = new QRadioButton(tr(paidTexts[i]), this);
+        m_paidGroup->addButton(m_paid[i], i);
     }
-    tabStopOnChosen(paidGroup);
-    auto* reset = new QPushButton(QStringLiteral("без филтър"), this);
-    reset->setToolTip(QStringLiteral("изчистване на всички установени филтри ..."));
-    auto* load = new QPushButton(QStringLiteral("зареди"), this);
-    load->setToolTip(QStringLiteral("Зарежда филтри от външен файл ..."));
-    auto* save = new QPushButton(QStringLiteral("запиши"), this);
-    save->setToolTip(QStringLiteral("Записва текущия филтър във външен файл ..."));
+    tabStopOnChosen(m_paidGroup);
+    m_reset = new QPushButton(tr("без филтър"), this);
+    m_reset->setToolTip(tr("изчистване на всички установени филтри ..."));
+    m_load = new QPushButton(tr("зареди"), this);
+    m_load->setToolTip(tr("Зарежда филтри от външен файл ..."));
+    m_save = new QPushButton(tr("запиши"), this);
+    m_save->setToolTip(tr("Записва текущия филтър във външен файл ..."));
+}
 
-    // Left: the simple criteria; middle: the tree; right: the chosen categories.
+QLayout* FilterPanel::makeCriteriaColumn()
+{
     auto* criteriaBox = new QGridLayout;
     criteriaBox->addWidget(m_type, 0, 0, 1, 2);
     // Alt and the underlined letter reach each field; the letters keep clear of the menu bar's.
-    const auto label = [this](const char* text, QWidget* buddy) {
-        auto* l = new QLabel(QString::fromUtf8(text), this);
+    const auto label = [this](const QString& text, QWidget* buddy) {
+        auto* l = new QLabel(text, this);
         l->setBuddy(buddy);
         return l;
     };
-    criteriaBox->addWidget(label("о&т:", m_from), 1, 0);
+    criteriaBox->addWidget(label(tr("о&т:"), m_from), 1, 0);
     criteriaBox->addWidget(m_from, 1, 1);
-    criteriaBox->addWidget(label("д&о:", m_to), 2, 0);
+    criteriaBox->addWidget(label(tr("д&о:"), m_to), 2, 0);
     criteriaBox->addWidget(m_to, 2, 1);
-    criteriaBox->addWidget(label("филтриране по &валута:", m_currency), 3, 0, 1, 2);
+    criteriaBox->addWidget(label(tr("филтриране по &валута:"), m_currency), 3, 0, 1, 2);
     criteriaBox->addWidget(m_currency, 4, 0, 1, 2);
     auto* paidBox = new QVBoxLayout;
     for (QRadioButton* radio : m_paid) {
         paidBox->addWidget(radio);
     }
     auto* buttons = new QHBoxLayout;
-    buttons->addWidget(reset);
-    buttons->addWidget(load);
-    buttons->addWidget(save);
+    buttons->addWidget(m_reset);
+    buttons->addWidget(m_load);
+    buttons->addWidget(m_save);
     auto* left = new QVBoxLayout;
     left->addLayout(criteriaBox);
     left->addLayout(paidBox);
     left->addLayout(buttons);
     left->addStretch();
+    return left;
+}
 
+void FilterPanel::layOut()
+{
+    // Left: the simple criteria; middle: the tree; right: the chosen categories.
+    QLayout* left = makeCriteriaColumn();
     auto* selectedButtons = new QHBoxLayout;
     selectedButtons->addWidget(m_remove);
     selectedButtons->addWidget(m_clear);
@@ -137,16 +147,28 @@ FilterPanel::FilterPanel(CFinoraDoc& doc, Settings& settings, Prompter& prompter
     // categories and their controls. The paid radios are one stop; the arrows move among them.
     m_selected->setFocusPolicy(Qt::StrongFocus);
     QWidget* order[] = {m_type,          m_from,   m_to,   m_currency, m_paid[0], m_paid[1],
-                        m_paid[2],       reset,    load,   save,       m_tree,    m_selected,
+                        m_paid[2],       m_reset,  m_load, m_save,     m_tree,    m_selected,
                         m_subcategories, m_remove, m_clear};
     for (std::size_t i = 1; i < std::size(order); ++i) {
         setTabOrder(order[i - 1], order[i]);
     }
     m_lastInTabOrder = m_clear;
+}
 
+void FilterPanel::connectControls()
+{
+    connect(static_cast<RefreshingComboBox*>(m_currency), &RefreshingComboBox::aboutToShowList,
+            this, [this] {
+                m_showing = true; // refilling is not a choice of the user's
+                fillCurrencies();
+                m_showing = false;
+            });
+    for (QDateEdit* edit : {m_from, m_to}) {
+        connect(edit, &QDateEdit::dateChanged, this, [this] { changed(); });
+    }
     connect(m_type, &QComboBox::currentIndexChanged, this, [this] { changed(); });
     connect(m_currency, &QComboBox::currentIndexChanged, this, [this] { changed(); });
-    connect(paidGroup, &QButtonGroup::idClicked, this, [this] { changed(); });
+    connect(m_paidGroup, &QButtonGroup::idClicked, this, [this] { changed(); });
     connect(m_subcategories, &QCheckBox::toggled, this, [this](bool on) {
         if (!m_showing) {
             m_settings.setValue(IntSetting::ShowDataForSubCategories, on ? 1 : 0);
@@ -154,8 +176,10 @@ FilterPanel::FilterPanel(CFinoraDoc& doc, Settings& settings, Prompter& prompter
         }
     });
     connect(m_tree, &QTreeWidget::itemDoubleClicked, this, [this] {
-        if (m_settings.isOn(IntSetting::AddOnDblClick) && m_onAddInCategory) {
-            m_onAddInCategory();
+        // Without a listener the double click adds the category, as when the option is off.
+        if (m_settings.isOn(IntSetting::AddOnDblClick) &&
+            isSignalConnected(QMetaMethod::fromSignal(&FilterPanel::addInCategoryRequested))) {
+            Q_EMIT addInCategoryRequested();
         } else {
             addTreeCategory();
         }
@@ -168,13 +192,13 @@ FilterPanel::FilterPanel(CFinoraDoc& doc, Settings& settings, Prompter& prompter
         fillSelected();
         changed();
     });
-    connect(reset, &QPushButton::clicked, this, [this] {
+    connect(m_reset, &QPushButton::clicked, this, [this] {
         resetCriteria(m_criteria, m_doc, m_doc.clock().now());
         showCriteria();
         changed();
     });
-    connect(load, &QPushButton::clicked, this, [this] { loadFilter(); });
-    connect(save, &QPushButton::clicked, this, [this] { saveFilter(); });
+    connect(m_load, &QPushButton::clicked, this, [this] { loadFilter(); });
+    connect(m_save, &QPushButton::clicked, this, [this] { saveFilter(); });
 }
 
 void FilterPanel::fillCategoryTree()
@@ -255,9 +279,7 @@ void FilterPanel::changed()
     }
     takeValues();
     updateButtons();
-    if (m_onChanged) {
-        m_onChanged();
-    }
+    Q_EMIT criteriaChanged();
 }
 
 void FilterPanel::updateButtons()
@@ -279,7 +301,7 @@ void FilterPanel::addTreeCategory()
 {
     const auto category = treeCategory();
     if (!category) {
-        m_prompter.error(kNoCategoryText, kNoCategoryCaption);
+        m_prompter.error(tr(kNoCategoryText).toStdString(), tr(kNoCategoryCaption).toStdString());
         return;
     }
     const std::int32_t id = *category;
@@ -298,8 +320,9 @@ void FilterPanel::removeSelected(bool ask)
     if (items.isEmpty()) {
         return;
     }
-    if (ask && m_prompter.askYesNo("Сигурни сте, че желаете да премахнете избраната категория?",
-                                   "Потвърдете", MessageIcon::Question) != Answer::Yes) {
+    if (ask && m_prompter.askYesNo(
+                   tr("Сигурни сте, че желаете да премахнете избраната категория?").toStdString(),
+                   tr("Потвърдете").toStdString(), MessageIcon::Question) != Answer::Yes) {
         return;
     }
     const int row = m_selected->indexOfTopLevelItem(items.first());
@@ -310,23 +333,23 @@ void FilterPanel::removeSelected(bool ask)
 
 void FilterPanel::saveFilter()
 {
-    const QString path = QFileDialog::getSaveFileName(this, QString(), QString(),
-                                                      QString::fromUtf8(kFilterFileFilter));
+    const QString path =
+        QFileDialog::getSaveFileName(this, QString(), QString(), tr(kFilterFileFilter));
     if (path.isEmpty()) {
         return;
     }
     StoredFilter f{m_criteria, m_settings.isOn(IntSetting::ShowDataForSubCategories)};
     FileError error = FileError::None;
     if (!saveFilterFile(path.toStdString(), f, &error)) {
-        m_prompter.error("Филтърът не може да бъде записан в „" + path.toStdString() + "“.\n" +
-                         describe(error));
+        m_prompter.error(tr("Филтърът не може да бъде записан в „%1“.").arg(path).toStdString() +
+                         "\n" + describe(error));
     }
 }
 
 void FilterPanel::loadFilter()
 {
-    const QString path = QFileDialog::getOpenFileName(this, QString(), QString(),
-                                                      QString::fromUtf8(kFilterFileFilter));
+    const QString path =
+        QFileDialog::getOpenFileName(this, QString(), QString(), tr(kFilterFileFilter));
     if (!path.isEmpty()) {
         loadFilterFrom(path);
     }
@@ -348,3 +371,5 @@ void FilterPanel::loadFilterFrom(const QString& path)
 }
 
 } // namespace finora
+
+#include "filter_panel.moc"

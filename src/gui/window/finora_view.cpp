@@ -15,7 +15,6 @@
 #include <algorithm>
 
 namespace finora {
-namespace {} // namespace
 
 CFinoraView::CFinoraView(CFinoraDoc& doc, Settings& settings, Prompter& prompter, QWidget* parent)
     : QWidget(parent), m_doc(doc), m_settings(settings), m_list(doc, settings, prompter),
@@ -39,18 +38,18 @@ CFinoraView::CFinoraView(CFinoraDoc& doc, Settings& settings, Prompter& prompter
             [this] { takeSelectionFromTable(); });
 
     auto* totals = new QHBoxLayout;
-    for (auto [label, caption, name] :
-         {std::tuple{m_income, "приходи:", "income"}, std::tuple{m_expense, "разходи:", "expense"},
-          std::tuple{m_balance, "баланс:", "balance"}}) {
+    for (auto [label, caption, name] : {std::tuple{m_income, tr("приходи:"), "income"},
+                                        std::tuple{m_expense, tr("разходи:"), "expense"},
+                                        std::tuple{m_balance, tr("баланс:"), "balance"}}) {
         label->setObjectName(QString::fromLatin1(name));
         label->setTextInteractionFlags(Qt::TextSelectableByMouse);
-        totals->addWidget(new QLabel(QString::fromUtf8(caption), this));
+        totals->addWidget(new QLabel(caption, this));
         totals->addWidget(label);
         totals->addSpacing(24);
     }
     totals->addStretch();
 
-    m_panel->setOnChanged([this] { refresh(); });
+    connect(m_panel, &FilterPanel::criteriaChanged, this, &CFinoraView::refresh);
 
     auto* layout = new QVBoxLayout(this);
     QScrollArea* panelArea = scrollWhenSmall(m_panel, this);
@@ -123,7 +122,7 @@ void CFinoraView::showListState()
         m_table->scrollTo(current);
     }
     m_syncing = false;
-    listChanged();
+    Q_EMIT listChanged();
 }
 
 void CFinoraView::takeSelectionFromTable()
@@ -138,7 +137,7 @@ void CFinoraView::takeSelectionFromTable()
     for (const QModelIndex& index : rows) {
         m_list.setSelected(static_cast<std::size_t>(index.row()), true);
     }
-    listChanged();
+    Q_EMIT listChanged();
 }
 
 } // namespace finora

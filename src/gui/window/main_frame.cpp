@@ -66,7 +66,7 @@ CMainFrame::CMainFrame(SettingsStore& store, Prompter& prompter, DocumentHost& h
             statusBar()->showMessage(QString::fromUtf8(kIdleText));
         }
     });
-    m_view->setOnListChanged([this] {
+    connect(m_view, &CFinoraView::listChanged, this, [this] {
         updateCommands();
         updateTitle();
     });
@@ -549,7 +549,8 @@ void CMainFrame::createActions()
 
     connect(m_view->table(), &QAbstractItemView::doubleClicked, this,
             [this] { editSelectedOperation(); });
-    m_view->filterPanel().setOnAddInCategory([this] { action("actionAddInCategory")->trigger(); });
+    connect(&m_view->filterPanel(), &FilterPanel::addInCategoryRequested, this,
+            [this] { action("actionAddInCategory")->trigger(); });
     // The second main menu is the context menu of the whole view: panel, list and totals.
     m_view->setContextMenu(edit);
 }

@@ -9,6 +9,8 @@ namespace finora {
 // The main list as Qt sees it: a view of the core's OperationsList, so a million rows cost no
 // widget items and their texts are made only for the rows on screen.
 class OperationsTableModel final : public QAbstractTableModel {
+    Q_OBJECT
+
 public:
     explicit OperationsTableModel(OperationsList& list, QObject* parent = nullptr);
 

@@ -5,13 +5,14 @@
 
 namespace finora {
 
-const char* const QtDocumentHost::kLedgerFilter = "Файлове на Finora (*.fnr);;Всички файлове (*.*)";
+const char* const QtDocumentHost::kLedgerFilter =
+    QT_TR_NOOP("Файлове на Finora (*.fnr);;Всички файлове (*.*)");
 
 std::optional<std::string> QtDocumentHost::chooseSavePath()
 {
     // No default extension: a name typed without ".fnr" is saved as typed.
-    const QString path = QFileDialog::getSaveFileName(m_parent, QString(), QString(),
-                                                      QString::fromUtf8(kLedgerFilter));
+    const QString path =
+        QFileDialog::getSaveFileName(m_parent, QString(), QString(), tr(kLedgerFilter));
     if (path.isEmpty()) {
         return std::nullopt;
     }
@@ -21,7 +22,7 @@ std::optional<std::string> QtDocumentHost::chooseSavePath()
 std::optional<std::string> QtDocumentHost::chooseOpenPath(const std::string& caption)
 {
     const QString path = QFileDialog::getOpenFileName(m_parent, QString::fromStdString(caption),
-                                                      QString(), QString::fromUtf8(kLedgerFilter));
+                                                      QString(), tr(kLedgerFilter));
     if (path.isEmpty()) {
         return std::nullopt;
     }

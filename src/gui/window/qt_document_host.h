@@ -2,6 +2,7 @@
 
 #include "core/model/document_host.h"
 
+#include <QCoreApplication>
 #include <optional>
 
 class QWidget;
@@ -10,6 +11,8 @@ namespace finora {
 
 // File dialogs and ending the program, for the desktop program.
 class QtDocumentHost final : public DocumentHost {
+    Q_DECLARE_TR_FUNCTIONS(finora::QtDocumentHost)
+
 public:
     explicit QtDocumentHost(QWidget* parent = nullptr) : m_parent(parent) {}
     void setParent(QWidget* parent) { m_parent = parent; }

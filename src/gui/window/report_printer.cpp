@@ -41,10 +41,9 @@ ReportPrinter::Painted ReportPrinter::paintShowingProgress(QPrinter& printer, bo
 {
     // A report of a hundred thousand rows is two thousand pages: the user sees how far it has
     // come and may stop it, and the window is not frozen meanwhile.
-    QProgressDialog progress(QString::fromUtf8(kPreparingText), QStringLiteral("Отказ"), 0, 1,
-                             parent);
+    QProgressDialog progress(tr(kPreparingText), tr("Отказ"), 0, 1, parent);
     progress.setObjectName(QStringLiteral("reportProgress"));
-    progress.setWindowTitle(QStringLiteral("Справка"));
+    progress.setWindowTitle(tr("Справка"));
     progress.setWindowModality(Qt::WindowModal);
     progress.setMinimumDuration(kProgressAfterMs);
     QGuiApplication::setOverrideCursor(Qt::WaitCursor);
@@ -53,8 +52,8 @@ ReportPrinter::Painted ReportPrinter::paintShowingProgress(QPrinter& printer, bo
         printer, m_list, reportContext(m_doc, m_list), m_settings, selectionOnly,
         [&](int page, int count) {
             progress.setMaximum(count);
-            progress.setLabelText(QString::fromUtf8(kPreparingText) +
-                                  QStringLiteral("\nстраница %1 от %2").arg(page).arg(count));
+            progress.setLabelText(tr(kPreparingText) + QLatin1Char('\n') +
+                                  tr("страница %1 от %2").arg(page).arg(count));
             progress.setValue(page - 1);
             painted.stopped = progress.wasCanceled();
             return !painted.stopped;
@@ -85,7 +84,7 @@ void ReportPrinter::print(QWidget* parent)
 void ReportPrinter::preview(QWidget* parent)
 {
     QPrintPreviewDialog dialog(m_printer.get(), parent);
-    dialog.setWindowTitle(QStringLiteral("Предпечатен изглед на справката"));
+    dialog.setWindowTitle(tr("Предпечатен изглед на справката"));
     QObject::connect(
         &dialog, &QPrintPreviewDialog::paintRequested, &dialog,
         [this, &dialog](QPrinter* printer) { paintShowingProgress(*printer, false, &dialog); });
@@ -106,7 +105,7 @@ bool ReportPrinter::exportPdf(const QString& path)
     pdf.setOutputFileName(path);
     pdf.setPageLayout(m_printer->pageLayout());
     pdf.setCreator(QStringLiteral("Finora"));
-    pdf.setDocName(QStringLiteral("Справка"));
+    pdf.setDocName(tr("Справка"));
     return paint(pdf, false) > 0;
 }
 

@@ -5,6 +5,7 @@
 #include "core/reports/print_layout.h"
 #include "core/settings/settings.h"
 
+#include <QCoreApplication>
 #include <QPrinter>
 #include <memory>
 
@@ -15,8 +16,10 @@ namespace finora {
 // Puts the list as it is shown on paper, in a preview or in a PDF file. The layout comes from
 // the core; this only maps its 0.1 mm units onto the printer and paints.
 class ReportPrinter {
+    Q_DECLARE_TR_FUNCTIONS(finora::ReportPrinter)
+
 public:
-    static constexpr const char* kPreparingText = "Подготовка на справката ...";
+    static constexpr const char* kPreparingText = QT_TR_NOOP("Подготовка на справката ...");
     static constexpr int kProgressAfterMs = 500;
 
     ReportPrinter(const CFinoraDoc& doc, const OperationsList& list, const Settings& settings);

@@ -42,23 +42,25 @@ QString UpdateCheck::firstLine(const QUrl& address) const
 
 void UpdateCheck::run()
 {
-    if (m_prompter.askYesNo("Тази операция изисква връзка с интернет. Желаете ли да продължите?",
-                            "Връзка с интернет", MessageIcon::Question) != Answer::Yes) {
+    if (m_prompter.askYesNo(
+            tr("Тази операция изисква връзка с интернет. Желаете ли да продължите?").toStdString(),
+            tr("Връзка с интернет").toStdString(), MessageIcon::Question) != Answer::Yes) {
         return;
     }
     const double latest = parseNumber(firstLine(m_versionFile).toStdString());
     if (!(latest > kOwnVersion)) {
-        m_prompter.show({"", kLatestText, MessageIcon::None, MessageButtons::Ok});
+        m_prompter.show({"", tr(kLatestText).toStdString(), MessageIcon::None, MessageButtons::Ok});
         return;
     }
     const QString address =
         firstLine(m_versionFile.resolved(QUrl(QString::fromLatin1(kDownloadFileName))));
-    const std::string text =
-        "Най-новата версия на продукта Finora е " + fixedText(latest, 3) +
-        ", а копието, с което работите е " + fixedText(kOwnVersion, 3) +
-        ".\nЖелаете ли да изтеглите новата версия на програмата сега?\n\nURL на файла е: " +
-        address.toStdString();
-    if (m_prompter.askYesNo(text, "Download?", MessageIcon::Question) == Answer::Yes &&
+    const QString text = tr("Най-новата версия на продукта Finora е %1, а копието, с което "
+                            "работите е %2.\nЖелаете ли да изтеглите новата версия на програмата "
+                            "сега?\n\nURL на файла е: %3")
+                             .arg(QString::fromStdString(fixedText(latest, 3)),
+                                  QString::fromStdString(fixedText(kOwnVersion, 3)), address);
+    if (m_prompter.askYesNo(text.toStdString(), tr("Download?").toStdString(),
+                            MessageIcon::Question) == Answer::Yes &&
         !address.isEmpty()) {
         m_open(QUrl(address));
     }

@@ -2,6 +2,7 @@
 
 #include "core/model/prompter.h"
 
+#include <QCoreApplication>
 #include <QString>
 #include <QUrl>
 #include <functional>
@@ -12,6 +13,8 @@ namespace finora {
 // Network failures read as an empty text, so no connection means "the latest version": the
 // check never scolds a user who is simply offline.
 class UpdateCheck {
+    Q_DECLARE_TR_FUNCTIONS(finora::UpdateCheck)
+
 public:
     using Opener = std::function<void(const QUrl&)>;
 
@@ -21,7 +24,8 @@ public:
     // The first line of a text at an address; empty on any failure or after the timeout.
     QString firstLine(const QUrl& address) const;
 
-    static constexpr const char* kLatestText = "Вие работите с най-новата версия на продукта.";
+    static constexpr const char* kLatestText =
+        QT_TR_NOOP("Вие работите с най-новата версия на продукта.");
 
 private:
     Prompter& m_prompter;
