@@ -45,7 +45,9 @@ TEST_F(StorageTest, DecliningTheConversionEndsTheProgram)
     const std::string file = path("old.fnr");
     writeBytes(file, test::legacyBytes(1.39, test::sampleLedger(), true, false));
     prompter.queue(Answer::No);
-    EXPECT_EQ(storage.open(file), DocumentStorage::OpenResult::ExitRequested);
+    const auto result = storage.open(file);
+    EXPECT_EQ(result, DocumentStorage::OpenResult::ConversionDeclined);
+    EXPECT_TRUE(endsProgram(result));
     ASSERT_EQ(prompter.messages().size(), 2u);
     EXPECT_EQ(lastMessage().text,
               "Програмата не може да продължи работа с текущия формат!\nНатиснете ОК за изход ...");
@@ -58,7 +60,9 @@ TEST_F(StorageTest, ANewerFileEndsTheProgramWithoutAQuestion)
 {
     const std::string file = path("new.fnr");
     writeBytes(file, test::legacyBytes(1.41, test::sampleLedger(), true, true));
-    EXPECT_EQ(storage.open(file), DocumentStorage::OpenResult::ExitRequested);
+    const auto result = storage.open(file);
+    EXPECT_EQ(result, DocumentStorage::OpenResult::Newer);
+    EXPECT_TRUE(endsProgram(result));
     ASSERT_EQ(prompter.messages().size(), 1u);
     EXPECT_EQ(lastMessage(),
               (Message{"Finora",
@@ -73,12 +77,12 @@ TEST_F(StorageTest, UnreadableFilesSaySoAndLeaveAnEmptyDocument)
     const std::string file = path("cut.fnr");
     writeBytes(file, serializeLedger(test::sampleLedger()).substr(0, 60));
     doc.addCurrency("EUR");
-    EXPECT_EQ(storage.open(file), DocumentStorage::OpenResult::Failed);
+    EXPECT_EQ(storage.open(file), DocumentStorage::OpenResult::Corrupt);
     EXPECT_EQ(lastMessage().icon, MessageIcon::Error);
     EXPECT_NE(lastMessage().text.find("cut.fnr"), std::string::npos);
     EXPECT_TRUE(doc.ledger().currencies.empty());
     EXPECT_EQ(doc.path(), "");
-    EXPECT_EQ(storage.open(path("missing.fnr")), DocumentStorage::OpenResult::Failed);
+    EXPECT_EQ(storage.open(path("missing.fnr")), DocumentStorage::OpenResult::Unreadable);
     EXPECT_TRUE(host.exits.empty());
 }
 
