@@ -173,27 +173,22 @@ DateTime parseNow(const std::string& text)
     return now;
 }
 
-// Keeps what the core said, and answers its questions the careful way: older files are
-// converted (that is the CLI's contract), every other question is answered so that nothing is
-// written over that the command line did not name.
+// Answers the core's questions the careful way, so that nothing is written over that the
+// command line did not name. What went wrong is learnt from the results, never from the messages.
 class CliPrompter final : public Prompter {
 public:
     Answer show(const Message& message) override
     {
-        m_messages.push_back(message);
-        if (message.buttons == MessageButtons::Ok) {
+        switch (message.buttons) {
+        case MessageButtons::Ok:
             return Answer::Ok;
+        case MessageButtons::YesNo:
+            return Answer::No;
+        case MessageButtons::YesNoCancel:
+            break;
         }
-        if (message.caption == DocumentStorage::kConvertCaption) {
-            return Answer::Yes;
-        }
-        return message.buttons == MessageButtons::YesNo ? Answer::No : Answer::Cancel;
+        return Answer::Cancel;
     }
-    const std::vector<Message>& messages() const { return m_messages; }
-    void clear() { m_messages.clear(); }
-
-private:
-    std::vector<Message> m_messages;
 };
 
 // How long a writer waits for another finora-cli command that holds the same ledger.
@@ -210,6 +205,8 @@ public:
     {
         m_storage.setChangedOnDisk(args.has("--force") ? DocumentStorage::ChangedOnDisk::Overwrite
                                                        : DocumentStorage::ChangedOnDisk::Refuse);
+        // Older files are converted without a question: that is the command line's contract.
+        m_storage.setOlderFormat(DocumentStorage::OlderFormat::Convert);
     }
 
     // A command that writes a ledger holds its lock from before it reads until it has written:
@@ -257,10 +254,7 @@ public:
     {
         const auto result = m_storage.open(path);
         if (result != DocumentStorage::OpenResult::Opened) {
-            const std::string said =
-                m_prompter.messages().empty() ? std::string() : m_prompter.messages().back().text;
-            const bool newer = said == DocumentStorage::kNewerFileText;
-            throw Failure{newer ? kNewerFormat : kUnreadable, oneLine(said)};
+            throw openFailure(result, path);
         }
         if (needOperations) {
             unlockWithPassword(CFinoraDoc::LockCheck::TemporaryUnlock);
@@ -285,21 +279,8 @@ public:
 
     void save(const std::string& path)
     {
-        m_prompter.clear();
         if (!m_storage.save(path)) {
-            switch (m_storage.lastSaveFailure()) {
-            case DocumentStorage::SaveFailure::ChangedOnDisk:
-                throw Failure{kNotWritten, "файлът „" + path +
-                                               "“ беше променен от друга програма "
-                                               "по време на командата; нищо не е записано."};
-            case DocumentStorage::SaveFailure::ReadOnly:
-                throw Failure{kNotWritten,
-                              "файлът „" + path + "“ е защитен от запис; нищо не е записано."};
-            default:
-                throw Failure{kNotWritten, m_prompter.messages().empty()
-                                               ? "файлът „" + path + "“ не е записан."
-                                               : oneLine(m_prompter.messages().back().text)};
-            }
+            throw saveFailure(m_storage.lastSaveFailure(), path);
         }
         m_backups.waitIdle();
     }
@@ -315,6 +296,47 @@ public:
     }
 
 private:
+    Failure openFailure(DocumentStorage::OpenResult result, const std::string& path) const
+    {
+        using R = DocumentStorage::OpenResult;
+        switch (result) {
+        case R::Newer:
+            return {kNewerFormat, oneLine(DocumentStorage::kNewerFileText)};
+        case R::ConversionDeclined:
+            return {kUnreadable, oneLine(DocumentStorage::kCannotContinueText)};
+        case R::Corrupt:
+            return {kUnreadable, DocumentStorage::corruptFileText(path)};
+        case R::Cancelled: // only asked with a lock program, which the command line never sets
+            return {kHeld, "документът „" + path + "“ е отворен от друга програма."};
+        case R::Unreadable:
+        case R::Opened:
+            break;
+        }
+        return {kUnreadable,
+                oneLine(DocumentStorage::cannotOpenText(path, m_storage.lastFileError()))};
+    }
+
+    Failure saveFailure(DocumentStorage::SaveFailure why, const std::string& path) const
+    {
+        using F = DocumentStorage::SaveFailure;
+        switch (why) {
+        case F::ChangedOnDisk:
+            return {kNotWritten, "файлът „" + path +
+                                     "“ беше променен от друга програма по време на командата; "
+                                     "нищо не е записано."};
+        case F::ReadOnly:
+            return {kNotWritten, "файлът „" + path + "“ е защитен от запис; нищо не е записано."};
+        case F::WriteError:
+            return {kNotWritten,
+                    oneLine(DocumentStorage::cannotWriteText(path, m_storage.lastFileError()))};
+        case F::HeldByOther: // the storage keeps no lock for the command line
+        case F::Cancelled:   // no file dialog to answer
+        case F::None:
+            break;
+        }
+        return {kNotWritten, "файлът „" + path + "“ не е записан."};
+    }
+
     const Arguments& m_args;
     Renderer* m_renderer;
     OverlaySettingsStore m_store;
