@@ -555,6 +555,15 @@ int parseChoice(const std::string& text, std::string_view option)
     return static_cast<int>(value);
 }
 
+StoredFilter loadFilter(const std::string& path)
+{
+    auto loaded = loadFilterFile(path);
+    if (!loaded) {
+        throw Failure{kUnreadable, oneLine(filterLoadMessage(loaded.error(), path))};
+    }
+    return std::move(loaded.value());
+}
+
 // The criteria the options describe: "без филтър" values, or those of a filter file, with the
 // options given beside it on top.
 StoredFilter criteriaFromOptions(Session& s)
@@ -564,11 +573,7 @@ StoredFilter criteriaFromOptions(Session& s)
     resetCriteria(f.criteria, s.doc(), s.clock().now());
     f.includeSubcategories = s.settings().isOn(IntSetting::ShowDataForSubCategories);
     if (const auto file = a.value("--filter")) {
-        FileError error = FileError::None;
-        const FilterLoad loaded = loadFilterFile(*file, f, &error);
-        if (loaded != FilterLoad::Ok) {
-            throw Failure{kUnreadable, oneLine(filterLoadMessage(loaded, *file, error))};
-        }
+        f = loadFilter(*file);
     }
     if (const auto v = a.value("--from")) {
         f.criteria.from = parseDate(*v, "--from");
@@ -923,12 +928,7 @@ int cmdSaveFilter(Session& s, std::ostream& out)
 int cmdShowFilter(Session& s, std::ostream& out)
 {
     const std::string& path = s.args().positional[1];
-    StoredFilter f;
-    FileError error = FileError::None;
-    const FilterLoad loaded = loadFilterFile(path, f, &error);
-    if (loaded != FilterLoad::Ok) {
-        throw Failure{kUnreadable, oneLine(filterLoadMessage(loaded, path, error))};
-    }
+    const StoredFilter f = loadFilter(path);
     JsonWriter json(out);
     json.beginObject()
         .key("from")
