@@ -10,12 +10,12 @@
 namespace finora::cli {
 namespace {
 
-struct OptionSpec {
+struct KnownOption {
     std::string_view name;
     bool takesValue;
 };
 
-constexpr OptionSpec kOptions[] = {
+constexpr KnownOption kOptions[] = {
     {"--help", false},
     {"--version", false},
     {"--json", false},
@@ -92,12 +92,12 @@ Arguments parse(const std::vector<std::string>& args)
             inlineValue = arg.substr(eq + 1);
             arg.resize(eq);
         }
-        const auto spec = std::find_if(std::begin(kOptions), std::end(kOptions),
-                                       [&](const OptionSpec& s) { return s.name == arg; });
-        if (spec == std::end(kOptions)) {
+        const auto option = std::find_if(std::begin(kOptions), std::end(kOptions),
+                                         [&](const KnownOption& o) { return o.name == arg; });
+        if (option == std::end(kOptions)) {
             throw Failure{kUsage, "непозната опция „" + arg + "“. Вижте finora-cli --help."};
         }
-        if (!spec->takesValue) {
+        if (!option->takesValue) {
             if (inlineValue) {
                 throw Failure{kUsage, "опцията „" + arg + "“ не приема стойност."};
             }

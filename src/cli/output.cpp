@@ -76,7 +76,7 @@ void writeListJson(std::ostream& out, const OperationsList& list)
     const ListTotals& t = list.totals();
     JsonWriter json(out);
     json.beginObject().key("columns").beginArray();
-    for (const ListColumnSpec& c : listColumns()) {
+    for (const auto& c : listColumns()) {
         json.value(c.header);
     }
     json.endArray().key("rows").beginArray();
