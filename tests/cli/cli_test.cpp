@@ -106,6 +106,48 @@ TEST_F(CliTest, ExitStatusesTellWhatWentWrong)
     EXPECT_NE(help.out.find("generate FILE --operations N"), std::string::npos);
 }
 
+TEST_F(CliTest, EveryFailedOpenOrSaveHasItsStatusAndItsOwnLine)
+{
+    const std::string missing = path("none.fnr");
+    CliResult r = run({"info", missing});
+    EXPECT_EQ(r.status, cli::kUnreadable);
+    EXPECT_EQ(r.err, "finora-cli: Файлът „" + missing +
+                         "“ не може да бъде отворен. Файлът или папката не съществуват.\n");
+
+    const std::string folder = path("папка.fnr");
+    fs::create_directories(pathFromUtf8(folder));
+    r = run({"list", folder});
+    EXPECT_EQ(r.status, cli::kUnreadable);
+    EXPECT_EQ(r.err, "finora-cli: Файлът „" + folder +
+                         "“ не може да бъде отворен. Възникна грешка при работа с файла.\n");
+
+    const std::string cut = path("cut.fnr");
+    write(cut, serializeLedger(test::sampleLedger()).substr(0, 50));
+    r = run({"convert", cut, "-o", path("out.fnr")});
+    EXPECT_EQ(r.status, cli::kUnreadable);
+    EXPECT_EQ(r.err, "finora-cli: Файлът „" + cut +
+                         "“ е повреден или непълен и не може да бъде прочетен.\n");
+    EXPECT_FALSE(fs::exists(pathFromUtf8(path("out.fnr"))));
+
+    const std::string nowhere = path("missing/x.fnr");
+    r = run({"new", nowhere});
+    EXPECT_EQ(r.status, cli::kNotWritten);
+    EXPECT_EQ(r.err, "finora-cli: Документът не може да бъде записан във файла „" + nowhere +
+                         "“. Файлът или папката не съществуват.\n");
+
+    // A target without write permission is refused before anything is written, even for root.
+    const std::string good = path("good.fnr");
+    ASSERT_EQ(run({"new", good}).status, 0);
+    const std::string kept = path("kept.fnr");
+    write(kept, "precious");
+    fs::permissions(pathFromUtf8(kept), fs::perms::owner_read);
+    r = run({"convert", good, "-o", kept});
+    fs::permissions(pathFromUtf8(kept), fs::perms::owner_all);
+    EXPECT_EQ(r.status, cli::kNotWritten);
+    EXPECT_EQ(r.err, "finora-cli: файлът „" + kept + "“ е защитен от запис; нищо не е записано.\n");
+    EXPECT_EQ(read(kept), "precious");
+}
+
 TEST_F(CliTest, ALockedLedgerShowsItsOperationsOnlyForTheRightPassword)
 {
     Ledger l = test::sampleLedger();

@@ -8,8 +8,7 @@
 namespace finora {
 
 // Keeps every message it is shown and answers from a queue, falling back to a fixed answer for
-// questions (and Ok for plain messages). Tests script dialogues with it; finora-cli uses it to
-// answer the conversion question with yes and to report what the core said.
+// questions (and Ok for plain messages). Tests script dialogues with it.
 class RecordingPrompter final : public Prompter {
 public:
     explicit RecordingPrompter(Answer defaultAnswer = Answer::Yes) : m_default(defaultAnswer) {}

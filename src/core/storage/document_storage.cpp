@@ -61,6 +61,21 @@ std::string DocumentStorage::targetHeldText(const std::string& path, const LockO
            describeOwner(owner) + ".";
 }
 
+std::string DocumentStorage::cannotOpenText(const std::string& path, FileError error)
+{
+    return "Файлът „" + path + "“ не може да бъде отворен.\n" + describe(error);
+}
+
+std::string DocumentStorage::corruptFileText(const std::string& path)
+{
+    return "Файлът „" + path + "“ е повреден или непълен и не може да бъде прочетен.";
+}
+
+std::string DocumentStorage::cannotWriteText(const std::string& path, FileError error)
+{
+    return "Документът не може да бъде записан във файла „" + path + "“.\n" + describe(error);
+}
+
 namespace {
 
 // Feeds every byte the reader takes to the digest, so an open learns what the file held
@@ -131,6 +146,7 @@ void DocumentStorage::closeDocument()
 
 DocumentStorage::OpenResult DocumentStorage::open(const std::string& path)
 {
+    m_lastFileError = FileError::None;
     // Who else holds the ledger is asked before anything of the open one is let go, so a
     // cancelled open leaves it as it was. Reopening our own ledger gives up our lock first.
     LedgerLock lock;
@@ -153,11 +169,11 @@ DocumentStorage::OpenResult DocumentStorage::open(const std::string& path)
     // untitled one, so no later command can write the empty list over the old file.
     closeDocument();
 
-    FileError error = FileError::None;
-    std::FILE* file = isRegularFile(path, error) ? openFile(path, "rb", &error) : nullptr;
+    std::FILE* file =
+        isRegularFile(path, m_lastFileError) ? openFile(path, "rb", &m_lastFileError) : nullptr;
     if (!file) {
-        m_prompter.error("Файлът „" + path + "“ не може да бъде отворен.\n" + describe(error));
-        return OpenResult::Failed;
+        m_prompter.error(cannotOpenText(path, m_lastFileError));
+        return OpenResult::Unreadable;
     }
     const DiskState before = statFile(path);
     ContentHash hash;
@@ -165,8 +181,9 @@ DocumentStorage::OpenResult DocumentStorage::open(const std::string& path)
     ByteReader reader(source, before.size);
     Ledger ledger;
     const ReadResult result = readLedger(reader, ledger, [this](double) {
-        return m_prompter.askYesNo(kConvertText, kConvertCaption, MessageIcon::Warning) ==
-               Answer::Yes;
+        return m_olderFormat == OlderFormat::Convert ||
+               m_prompter.askYesNo(kConvertText, kConvertCaption, MessageIcon::Warning) ==
+                   Answer::Yes;
     });
     if (result.status == ReadStatus::Ok) {
         // The digest covers the whole file, trailing bytes included.
@@ -177,21 +194,8 @@ DocumentStorage::OpenResult DocumentStorage::open(const std::string& path)
     std::fclose(file);
     m_openedVersion = result.version;
 
-    switch (result.status) {
-    case ReadStatus::Ok:
-        break;
-    case ReadStatus::Newer:
-        m_prompter.error(kNewerFileText);
-        m_host.exitProgram(0);
-        return OpenResult::ExitRequested;
-    case ReadStatus::ConversionDeclined:
-        m_prompter.error(kCannotContinueText);
-        m_host.exitProgram(0);
-        return OpenResult::ExitRequested;
-    case ReadStatus::Corrupt:
-        m_prompter.error("Файлът „" + path +
-                         "“ е повреден или непълен и не може да бъде прочетен.");
-        return OpenResult::Failed;
+    if (result.status != ReadStatus::Ok) {
+        return refuseFile(path, result.status);
     }
     m_doc.replaceLedger(std::move(ledger));
     m_doc.setPath(path);
@@ -202,6 +206,25 @@ DocumentStorage::OpenResult DocumentStorage::open(const std::string& path)
     m_diskState->hash = hash.value();
     m_settings.setText(TextSetting::LastFileUsed, path);
     return OpenResult::Opened;
+}
+
+DocumentStorage::OpenResult DocumentStorage::refuseFile(const std::string& path, ReadStatus status)
+{
+    switch (status) {
+    case ReadStatus::Newer:
+        m_prompter.error(kNewerFileText);
+        m_host.exitProgram(0);
+        return OpenResult::Newer;
+    case ReadStatus::ConversionDeclined:
+        m_prompter.error(kCannotContinueText);
+        m_host.exitProgram(0);
+        return OpenResult::ConversionDeclined;
+    case ReadStatus::Corrupt:
+    case ReadStatus::Ok: // never passed here: a file read whole is no refusal
+        break;
+    }
+    m_prompter.error(corruptFileText(path));
+    return OpenResult::Corrupt;
 }
 
 bool DocumentStorage::unchangedOnDisk(const std::string& path) const
@@ -241,6 +264,7 @@ bool DocumentStorage::refuseAndOfferAnotherName(const std::string& text)
 bool DocumentStorage::save(const std::string& path)
 {
     m_lastFailure = SaveFailure::None;
+    m_lastFileError = FileError::None;
     const bool ownFile = !m_doc.path().empty() && sameFile(path, m_doc.path());
     LedgerLock newLock;
     // Refusals come before anything is written, the backup included.
@@ -278,16 +302,14 @@ bool DocumentStorage::save(const std::string& path)
     m_settings.setText(TextSetting::LastFileUsed, path);
     // One serialisation serves the ledger file and its backup: both hold exactly these bytes.
     auto bytes = std::make_shared<const std::string>(serializeLedger(m_doc.ledger()));
-    FileError error = FileError::None;
-    const bool written = writeFileAtomically(path, *bytes, &error);
+    const bool written = writeFileAtomically(path, *bytes, &m_lastFileError);
     // The ledger's own write comes first, so on a nearly full disk the backup cannot take the
     // room the ledger needs; the backup is written whatever became of it, as it may be the
     // only copy of what is in memory.
     m_backups.submit(backupPathFor(path, m_settings.text(TextSetting::BackupDir)), bytes,
                      pathToUtf8(resolveLinks(pathFromUtf8(path))));
     if (!written) {
-        m_prompter.error("Документът не може да бъде записан във файла „" + path + "“.\n" +
-                         describe(error));
+        m_prompter.error(cannotWriteText(path, m_lastFileError));
         return fail(SaveFailure::WriteError);
     }
     if (!ownFile) {

@@ -23,18 +23,26 @@ namespace finora {
 // program since it was read, and the desktop program keeps a lock beside the open ledger.
 class DocumentStorage {
 public:
+    // How an open ended. Each failure has been told to the user; all but Cancelled leave a new,
+    // untitled ledger.
     enum class OpenResult {
         Opened,
-        Failed,        // said so; the document is a new, untitled ledger
-        Cancelled,     // the user would not open a ledger another program holds; nothing changed
-        ExitRequested, // the version rules end the program; the document is untitled
+        Newer,              // made by a newer program; the version rules end the program
+        ConversionDeclined, // an older format the user would not convert; the program ends too
+        Corrupt,            // ends early, or a length says more than remains
+        Unreadable,         // missing, not permitted, a folder, a pipe...: see lastFileError()
+        Cancelled,          // the user would not open a ledger held elsewhere; nothing changed
     };
 
-    // Why the last save did not happen.
+    // Why the last save did not happen. ReadOnly: the file may not be written, or the document
+    // was opened read-only, and the user did not pick another name; WriteError: the system's
+    // reason is lastFileError().
     enum class SaveFailure { None, WriteError, ReadOnly, ChangedOnDisk, HeldByOther, Cancelled };
 
     // What a save does when the file was changed by someone else since it was read or written.
     enum class ChangedOnDisk { Ask, Refuse, Overwrite };
+    // Whether an open asks before it reads a file of an older format on.
+    enum class OlderFormat { Ask, Convert };
 
     DocumentStorage(CFinoraDoc& doc, Settings& settings, Prompter& prompter, DocumentHost& host,
                     BackupWriter& backups);
@@ -43,11 +51,15 @@ public:
     // (the command line locks each command itself) no lock is taken.
     void setLockProgram(std::string program) { m_lockProgram = std::move(program); }
     void setChangedOnDisk(ChangedOnDisk policy) { m_changedOnDisk = policy; }
+    void setOlderFormat(OlderFormat policy) { m_olderFormat = policy; }
 
     // Empties the document, then reads the file. A newer file, or an older one the user will
     // not convert, asks the host to end the program; a file that cannot be read leaves a new,
     // untitled ledger and says so.
     OpenResult open(const std::string& path);
+    // What the system said when the last open was Unreadable or the last save a WriteError;
+    // None after any other outcome.
+    FileError lastFileError() const { return m_lastFileError; }
     // The format version of the file last read by open(); the ledger itself forgets it.
     double openedVersion() const { return m_openedVersion; }
     // A new, untitled, unmodified ledger; the lock of the one before is let go.
@@ -86,6 +98,9 @@ public:
     static std::string readOnlyFileText(const std::string& path);
     static std::string changedOnDiskText(const std::string& path);
     static std::string targetHeldText(const std::string& path, const LockOwner& owner);
+    static std::string cannotOpenText(const std::string& path, FileError error);
+    static std::string corruptFileText(const std::string& path);
+    static std::string cannotWriteText(const std::string& path, FileError error);
 
 private:
     bool fail(SaveFailure why)
@@ -93,6 +108,9 @@ private:
         m_lastFailure = why;
         return false;
     }
+    // Says why the file was not read into the document, and ends the program where the version
+    // rules say so.
+    OpenResult refuseFile(const std::string& path, ReadStatus status);
     // Says why the file cannot be written and offers to save under another name.
     bool refuseAndOfferAnotherName(const std::string& text);
     bool saveUnderAnotherName();
@@ -107,11 +125,20 @@ private:
     double m_openedVersion = 0.0;
     std::string m_lockProgram;
     ChangedOnDisk m_changedOnDisk = ChangedOnDisk::Ask;
+    OlderFormat m_olderFormat = OlderFormat::Ask;
     LedgerLock m_lock;
     bool m_readOnly = false;
     // The file as this program last read or wrote it; nothing known for a new ledger.
     std::optional<DiskState> m_diskState;
     SaveFailure m_lastFailure = SaveFailure::None;
+    FileError m_lastFileError = FileError::None;
 };
+
+// Newer and ConversionDeclined: the host has been asked to end the program, and the caller stops.
+inline bool endsProgram(DocumentStorage::OpenResult result)
+{
+    return result == DocumentStorage::OpenResult::Newer ||
+           result == DocumentStorage::OpenResult::ConversionDeclined;
+}
 
 } // namespace finora

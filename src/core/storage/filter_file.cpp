@@ -73,24 +73,27 @@ bool saveFilterFile(std::string_view utf8Path, const StoredFilter& filter, FileE
     return writeFileAtomically(utf8Path, serializeFilter(filter), error);
 }
 
-FilterLoad loadFilterFile(std::string_view utf8Path, StoredFilter& filter, FileError* error)
+Result<StoredFilter, FilterLoadError> loadFilterFile(std::string_view utf8Path)
 {
     std::string bytes;
-    FileError e = FileError::None;
-    if (!readWholeFile(utf8Path, bytes, &e, kMaxFilterBytes)) {
-        if (error) {
-            *error = e;
-        }
-        return e == FileError::Other ? FilterLoad::NotAFilter : FilterLoad::CannotOpen;
+    FileError error = FileError::None;
+    if (!readWholeFile(utf8Path, bytes, &error, kMaxFilterBytes)) {
+        // A file too large for a filter, or no plain file, is no filter.
+        return FilterLoadError{
+            error == FileError::Other ? FilterLoad::NotAFilter : FilterLoad::CannotOpen, error};
     }
-    return parseFilter(bytes, filter) ? FilterLoad::Ok : FilterLoad::NotAFilter;
+    StoredFilter filter;
+    if (!parseFilter(bytes, filter)) {
+        return FilterLoadError{FilterLoad::NotAFilter, FileError::None};
+    }
+    return filter;
 }
 
-std::string filterLoadMessage(FilterLoad result, std::string_view utf8Path, FileError error)
+std::string filterLoadMessage(const FilterLoadError& failure, std::string_view utf8Path)
 {
     const std::string path(utf8Path);
-    if (result == FilterLoad::CannotOpen) {
-        return "Филтърът „" + path + "“ не може да бъде отворен.\n" + describe(error);
+    if (failure.kind == FilterLoad::CannotOpen) {
+        return "Филтърът „" + path + "“ не може да бъде отворен.\n" + describe(failure.error);
     }
     return "Файлът „" + path + "“ не е филтър на Finora или е повреден.";
 }

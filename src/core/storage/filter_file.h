@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/model/result.h"
 #include "core/query/filter_criteria.h"
 #include "core/storage/file_io.h"
 
@@ -26,11 +27,16 @@ bool parseFilter(std::string_view bytes, StoredFilter& filter);
 bool saveFilterFile(std::string_view utf8Path, const StoredFilter& filter,
                     FileError* error = nullptr);
 
-enum class FilterLoad { Ok, CannotOpen, NotAFilter };
-FilterLoad loadFilterFile(std::string_view utf8Path, StoredFilter& filter,
-                          FileError* error = nullptr);
+// Why a filter file was not loaded: it could not be read (the system's reason in `error`), or
+// what it holds is no filter.
+enum class FilterLoad { CannotOpen, NotAFilter };
+struct FilterLoadError {
+    FilterLoad kind = FilterLoad::CannotOpen;
+    FileError error = FileError::None;
+};
+Result<StoredFilter, FilterLoadError> loadFilterFile(std::string_view utf8Path);
 
 // The sentence the user reads when a load fails (UTF-8).
-std::string filterLoadMessage(FilterLoad result, std::string_view utf8Path, FileError error);
+std::string filterLoadMessage(const FilterLoadError& failure, std::string_view utf8Path);
 
 } // namespace finora

@@ -357,13 +357,12 @@ void FilterPanel::loadFilter()
 
 void FilterPanel::loadFilterFrom(const QString& path)
 {
-    StoredFilter f;
-    FileError error = FileError::None;
-    const FilterLoad result = loadFilterFile(path.toStdString(), f, &error);
-    if (result != FilterLoad::Ok) {
-        m_prompter.error(filterLoadMessage(result, path.toStdString(), error));
+    const auto loaded = loadFilterFile(path.toStdString());
+    if (!loaded) {
+        m_prompter.error(filterLoadMessage(loaded.error(), path.toStdString()));
         return;
     }
+    const StoredFilter& f = loaded.value();
     m_criteria = f.criteria;
     m_settings.setValue(IntSetting::ShowDataForSubCategories, f.includeSubcategories ? 1 : 0);
     showCriteria();

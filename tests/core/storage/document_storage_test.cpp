@@ -45,7 +45,9 @@ TEST_F(StorageTest, DecliningTheConversionEndsTheProgram)
     const std::string file = path("old.fnr");
     writeBytes(file, test::legacyBytes(1.39, test::sampleLedger(), true, false));
     prompter.queue(Answer::No);
-    EXPECT_EQ(storage.open(file), DocumentStorage::OpenResult::ExitRequested);
+    const auto result = storage.open(file);
+    EXPECT_EQ(result, DocumentStorage::OpenResult::ConversionDeclined);
+    EXPECT_TRUE(endsProgram(result));
     ASSERT_EQ(prompter.messages().size(), 2u);
     EXPECT_EQ(lastMessage().text,
               "Програмата не може да продължи работа с текущия формат!\nНатиснете ОК за изход ...");
@@ -58,7 +60,9 @@ TEST_F(StorageTest, ANewerFileEndsTheProgramWithoutAQuestion)
 {
     const std::string file = path("new.fnr");
     writeBytes(file, test::legacyBytes(1.41, test::sampleLedger(), true, true));
-    EXPECT_EQ(storage.open(file), DocumentStorage::OpenResult::ExitRequested);
+    const auto result = storage.open(file);
+    EXPECT_EQ(result, DocumentStorage::OpenResult::Newer);
+    EXPECT_TRUE(endsProgram(result));
     ASSERT_EQ(prompter.messages().size(), 1u);
     EXPECT_EQ(lastMessage(),
               (Message{"Finora",
@@ -73,13 +77,76 @@ TEST_F(StorageTest, UnreadableFilesSaySoAndLeaveAnEmptyDocument)
     const std::string file = path("cut.fnr");
     writeBytes(file, serializeLedger(test::sampleLedger()).substr(0, 60));
     doc.addCurrency("EUR");
-    EXPECT_EQ(storage.open(file), DocumentStorage::OpenResult::Failed);
+    EXPECT_EQ(storage.open(file), DocumentStorage::OpenResult::Corrupt);
     EXPECT_EQ(lastMessage().icon, MessageIcon::Error);
     EXPECT_NE(lastMessage().text.find("cut.fnr"), std::string::npos);
     EXPECT_TRUE(doc.ledger().currencies.empty());
     EXPECT_EQ(doc.path(), "");
-    EXPECT_EQ(storage.open(path("missing.fnr")), DocumentStorage::OpenResult::Failed);
+    EXPECT_EQ(storage.open(path("missing.fnr")), DocumentStorage::OpenResult::Unreadable);
     EXPECT_TRUE(host.exits.empty());
+}
+
+TEST_F(StorageTest, AFailedOpenSaysWhyItFailed)
+{
+    using R = DocumentStorage::OpenResult;
+    const std::string newer = path("new.fnr");
+    writeBytes(newer, test::legacyBytes(1.41, test::sampleLedger(), true, true));
+    const std::string cut = path("cut.fnr");
+    writeBytes(cut, serializeLedger(test::sampleLedger()).substr(0, 60));
+    fs::create_directories(dir / "folder.fnr");
+
+    const R newerResult = storage.open(newer);
+    EXPECT_EQ(newerResult, R::Newer);
+    EXPECT_TRUE(endsProgram(newerResult));
+    EXPECT_EQ(host.exits, std::vector<int>{0});
+
+    const R cutResult = storage.open(cut);
+    EXPECT_EQ(cutResult, R::Corrupt);
+    EXPECT_FALSE(endsProgram(cutResult));
+    EXPECT_EQ(storage.lastFileError(), FileError::None);
+    EXPECT_EQ(lastMessage().text, DocumentStorage::corruptFileText(cut));
+
+    EXPECT_EQ(storage.open(path("missing.fnr")), R::Unreadable);
+    EXPECT_EQ(storage.lastFileError(), FileError::NotFound);
+    EXPECT_EQ(lastMessage().text,
+              DocumentStorage::cannotOpenText(path("missing.fnr"), FileError::NotFound));
+
+    const R folderResult = storage.open(path("folder.fnr"));
+    EXPECT_EQ(folderResult, R::Unreadable);
+    EXPECT_FALSE(endsProgram(folderResult));
+    EXPECT_EQ(storage.lastFileError(), FileError::Other);
+
+    // A successful open forgets the reason of the one before.
+    const std::string good = path("good.fnr");
+    writeBytes(good, serializeLedger(test::sampleLedger()));
+    EXPECT_EQ(storage.open(good), R::Opened);
+    EXPECT_EQ(storage.lastFileError(), FileError::None);
+    EXPECT_EQ(host.exits, std::vector<int>{0}); // only the newer file ended the program
+}
+
+TEST_F(StorageTest, OlderFilesCanBeConvertedWithoutAQuestion)
+{
+    const std::string file = path("old.fnr");
+    writeBytes(file, test::legacyBytes(1.2, test::sampleLedger(), false, false));
+    storage.setOlderFormat(DocumentStorage::OlderFormat::Convert);
+    prompter.queue(Answer::No); // would decline, were it asked
+    ASSERT_EQ(storage.open(file), DocumentStorage::OpenResult::Opened);
+    EXPECT_TRUE(prompter.messages().empty());
+    EXPECT_EQ(doc.operationCount(), 3u);
+}
+
+TEST_F(StorageTest, AFailedWriteKeepsTheSystemsReason)
+{
+    doc.addCurrency("EUR");
+    const std::string file = pathToUtf8(dir / "no-such-folder" / "a.fnr");
+    EXPECT_FALSE(storage.save(file));
+    EXPECT_EQ(storage.lastSaveFailure(), DocumentStorage::SaveFailure::WriteError);
+    EXPECT_EQ(storage.lastFileError(), FileError::NotFound);
+    EXPECT_EQ(lastMessage().text, DocumentStorage::cannotWriteText(file, FileError::NotFound));
+
+    EXPECT_TRUE(storage.save(path("a.fnr")));
+    EXPECT_EQ(storage.lastSaveFailure(), DocumentStorage::SaveFailure::None);
+    EXPECT_EQ(storage.lastFileError(), FileError::None);
 }
 
 TEST_F(StorageTest, TheBackupIsTheSavedFileByteForByte)

@@ -100,15 +100,18 @@ TEST(FilterFile, LoadFailuresSayWhy)
     std::filesystem::create_directories(dir);
     const std::string path = pathToUtf8(dir / "филтър.ffl");
     ASSERT_TRUE(saveFilterFile(path, sampleFilter()));
-    StoredFilter f;
-    EXPECT_EQ(loadFilterFile(path, f), FilterLoad::Ok);
-    EXPECT_EQ(f, sampleFilter());
-    FileError error = FileError::None;
-    EXPECT_EQ(loadFilterFile(pathToUtf8(dir / "няма.ffl"), f, &error), FilterLoad::CannotOpen);
-    EXPECT_NE(filterLoadMessage(FilterLoad::CannotOpen, "няма.ffl", error).find("няма.ffl"),
-              std::string::npos);
+    const auto loaded = loadFilterFile(path);
+    ASSERT_TRUE(loaded.ok());
+    EXPECT_EQ(loaded.value(), sampleFilter());
+    const auto missing = loadFilterFile(pathToUtf8(dir / "няма.ffl"));
+    ASSERT_FALSE(missing.ok());
+    EXPECT_EQ(missing.error().kind, FilterLoad::CannotOpen);
+    EXPECT_EQ(missing.error().error, FileError::NotFound);
+    EXPECT_NE(filterLoadMessage(missing.error(), "няма.ffl").find("няма.ffl"), std::string::npos);
     writeFile(path, "not a filter");
-    EXPECT_EQ(loadFilterFile(path, f), FilterLoad::NotAFilter);
+    const auto broken = loadFilterFile(path);
+    ASSERT_FALSE(broken.ok());
+    EXPECT_EQ(broken.error().kind, FilterLoad::NotAFilter);
     std::filesystem::remove_all(dir);
 }
 

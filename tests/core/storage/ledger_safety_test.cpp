@@ -31,9 +31,10 @@ protected:
         prompter.clear();
     }
 
-    // Every kind of file an open can fail on.
-    std::vector<std::string> badFiles()
+    // Every kind of file an open can fail on, with what the open says of it.
+    std::vector<std::pair<std::string, DocumentStorage::OpenResult>> badFiles()
     {
+        using R = DocumentStorage::OpenResult;
         const std::string whole = serializeLedger(generateLedger(50, 1));
         writeBytes(path("cut.fnr"), whole.substr(0, whole.size() / 2));
         std::string corrupt = whole;
@@ -42,11 +43,14 @@ protected:
         writeBytes(path("corrupt.fnr"), corrupt.substr(0, 200));
         writeBytes(path("empty.fnr"), "");
         fs::create_directories(dir / "папка.fnr");
-        std::vector<std::string> files = {path("cut.fnr"), path("corrupt.fnr"), path("empty.fnr"),
-                                          path("липсващ.fnr"), path("папка.fnr")};
+        std::vector<std::pair<std::string, R>> files = {
+            {path("cut.fnr"), R::Corrupt},      {path("corrupt.fnr"), R::Corrupt},
+            {path("empty.fnr"), R::Corrupt},    {path("липсващ.fnr"), R::Unreadable},
+            {path("папка.fnr"), R::Unreadable},
+        };
 #ifndef _WIN32
         ::mkfifo(path("тръба.fnr").c_str(), 0600); // would make a plain read wait for ever
-        files.push_back(path("тръба.fnr"));
+        files.emplace_back(path("тръба.fnr"), R::Unreadable);
 #endif
         return files;
     }
@@ -67,7 +71,7 @@ protected:
 
 TEST_F(FailedOpenTest, LeavesANewUntitledLedgerAndTheNextSaveAsksForAName)
 {
-    for (const std::string& bad : badFiles()) {
+    for (const auto& [bad, expected] : badFiles()) {
         ASSERT_EQ(storage.open(first), DocumentStorage::OpenResult::Opened);
         doc.addCurrency("SEK");
         storage.save(first);
@@ -76,7 +80,7 @@ TEST_F(FailedOpenTest, LeavesANewUntitledLedgerAndTheNextSaveAsksForAName)
         backupBefore = readFile(first + ".bak");
         prompter.clear();
 
-        EXPECT_EQ(storage.open(bad), DocumentStorage::OpenResult::Failed) << bad;
+        EXPECT_EQ(storage.open(bad), expected) << bad;
         ASSERT_EQ(prompter.messages().size(), 1u) << bad;
         EXPECT_EQ(lastMessage().icon, MessageIcon::Error);
         EXPECT_NE(lastMessage().text.find(bad), std::string::npos);
@@ -95,7 +99,7 @@ TEST_F(FailedOpenTest, LeavesANewUntitledLedgerAndTheNextSaveAsksForAName)
 TEST_F(FailedOpenTest, WithAutoSaveAChangeAfterwardsAsksForANameToo)
 {
     settings.setValue(IntSetting::AutoSave, 1);
-    ASSERT_EQ(storage.open(path("липсващ.fnr")), DocumentStorage::OpenResult::Failed);
+    ASSERT_EQ(storage.open(path("липсващ.fnr")), DocumentStorage::OpenResult::Unreadable);
     const int dialogs = host.dialogs;
     doc.addCategory("нова", 0);
     EXPECT_EQ(host.dialogs, dialogs + 1);
@@ -114,7 +118,9 @@ TEST_F(FailedOpenTest, WithAutoSaveAChangeAfterwardsAsksForANameToo)
 TEST_F(FailedOpenTest, TheVersionExitsLeaveNothingToSaveEither)
 {
     writeBytes(path("нов.fnr"), test::legacyBytes(1.41, test::sampleLedger(), true, true));
-    EXPECT_EQ(storage.open(path("нов.fnr")), DocumentStorage::OpenResult::ExitRequested);
+    const auto result = storage.open(path("нов.fnr"));
+    EXPECT_EQ(result, DocumentStorage::OpenResult::Newer);
+    EXPECT_TRUE(endsProgram(result));
     EXPECT_EQ(doc.path(), "");
     EXPECT_FALSE(storage.saveCommand());
     expectFirstLedgerUntouched();
