@@ -39,12 +39,12 @@ CFinoraView::CFinoraView(CFinoraDoc& doc, Settings& settings, Prompter& prompter
             [this] { takeSelectionFromTable(); });
 
     auto* totals = new QHBoxLayout;
-    for (auto [label, caption, name] :
-         {std::tuple{m_income, "приходи:", "income"}, std::tuple{m_expense, "разходи:", "expense"},
-          std::tuple{m_balance, "баланс:", "balance"}}) {
+    for (auto [label, caption, name] : {std::tuple{m_income, QT_TR_NOOP("приходи:"), "income"},
+                                        std::tuple{m_expense, QT_TR_NOOP("разходи:"), "expense"},
+                                        std::tuple{m_balance, QT_TR_NOOP("баланс:"), "balance"}}) {
         label->setObjectName(QString::fromLatin1(name));
         label->setTextInteractionFlags(Qt::TextSelectableByMouse);
-        totals->addWidget(new QLabel(QString::fromUtf8(caption), this));
+        totals->addWidget(new QLabel(tr(caption), this));
         totals->addWidget(label);
         totals->addSpacing(24);
     }
@@ -123,7 +123,7 @@ void CFinoraView::showListState()
         m_table->scrollTo(current);
     }
     m_syncing = false;
-    listChanged();
+    Q_EMIT listChanged();
 }
 
 void CFinoraView::takeSelectionFromTable()
@@ -138,7 +138,7 @@ void CFinoraView::takeSelectionFromTable()
     for (const QModelIndex& index : rows) {
         m_list.setSelected(static_cast<std::size_t>(index.row()), true);
     }
-    listChanged();
+    Q_EMIT listChanged();
 }
 
 } // namespace finora

@@ -5,7 +5,6 @@
 #include "gui/window/operations_table_model.h"
 
 #include <QWidget>
-#include <functional>
 
 class QLabel;
 class QMenu;
@@ -15,6 +14,8 @@ namespace finora {
 
 // The main view: the operations list and its three totals.
 class CFinoraView final : public QWidget {
+    Q_OBJECT
+
 public:
     CFinoraView(CFinoraDoc& doc, Settings& settings, Prompter& prompter, QWidget* parent = nullptr);
 
@@ -37,22 +38,17 @@ public:
     }
     void applyColumnVisibility();
 
-    // Told after every change of the rows, the selection or the totals.
-    void setOnListChanged(std::function<void()> handler) { m_onListChanged = std::move(handler); }
     // Opens at the mouse on a right click anywhere in the view that has no menu of its own.
     void setContextMenu(QMenu* menu) { m_contextMenu = menu; }
+
+Q_SIGNALS:
+    // After every change of the rows, the selection or the totals.
+    void listChanged();
 
 protected:
     void contextMenuEvent(QContextMenuEvent* event) override;
 
 private:
-    void listChanged()
-    {
-        if (m_onListChanged) {
-            m_onListChanged();
-        }
-    }
-
     void showListState();
     void takeSelectionFromTable();
 
@@ -67,7 +63,6 @@ private:
     QLabel* m_expense;
     QLabel* m_balance;
     bool m_syncing = false;
-    std::function<void()> m_onListChanged;
 };
 
 } // namespace finora

@@ -66,7 +66,7 @@ CMainFrame::CMainFrame(SettingsStore& store, Prompter& prompter, DocumentHost& h
             statusBar()->showMessage(QString::fromUtf8(kIdleText));
         }
     });
-    m_view->setOnListChanged([this] {
+    connect(m_view, &CFinoraView::listChanged, this, [this] {
         updateCommands();
         updateTitle();
     });
