@@ -49,7 +49,7 @@ CMainFrame::CMainFrame(SettingsStore& store, Prompter& prompter, DocumentHost& h
                        const Clock& clock, QWidget* parent)
     : QMainWindow(parent), m_settings(store), m_prompter(prompter), m_host(host), m_doc(clock),
       m_storage(m_doc, m_settings, m_prompter, m_host, m_backups),
-      m_view(new CFinoraView(m_doc, m_settings, m_prompter, this)), m_store(store),
+      m_view(new CFinoraView(m_doc, m_settings, m_prompter, this)),
       m_report(m_doc, m_view->list(), m_settings)
 {
     setAcceptDrops(true);
@@ -800,7 +800,7 @@ bool CMainFrame::openLedger(const QString& path)
     if (result != DocumentStorage::OpenResult::Opened) {
         return false;
     }
-    rememberRecent(path);
+    m_settings.addRecentFile(path.toStdString());
     afterOpen();
     return true;
 }
@@ -836,32 +836,13 @@ bool CMainFrame::startUp(const QStringList& arguments)
     return true;
 }
 
-namespace {
-constexpr std::string_view kRecentSection = "Recent File List";
-constexpr int kRecentCount = 4;
-} // namespace
-
 QStringList CMainFrame::recentFiles() const
 {
     QStringList files;
-    for (int i = 1; i <= kRecentCount; ++i) {
-        const std::string path = m_store.readText(kRecentSection, "File" + std::to_string(i), {});
-        if (!path.empty()) {
-            files << QString::fromStdString(path);
-        }
+    for (const std::string& path : m_settings.recentFiles()) {
+        files << QString::fromStdString(path);
     }
     return files;
-}
-
-void CMainFrame::rememberRecent(const QString& path)
-{
-    QStringList files = recentFiles();
-    files.removeAll(path);
-    files.prepend(path);
-    for (int i = 1; i <= kRecentCount; ++i) {
-        m_store.writeText(kRecentSection, "File" + std::to_string(i),
-                          i <= files.size() ? files.at(i - 1).toStdString() : std::string());
-    }
 }
 
 void CMainFrame::fillRecentMenu()

@@ -90,7 +90,6 @@ private:
     // "Запиши списъка като CSV ...": the rows and columns the list shows now.
     void exportListCsv();
     void startCalculator();
-    void rememberRecent(const QString& path);
     void fillRecentMenu();
     void afterOpen();
     PasswordAsker askPassword();
@@ -102,7 +101,6 @@ private:
     BackupWriter m_backups;
     DocumentStorage m_storage;
     CFinoraView* m_view;
-    SettingsStore& m_store;
     QMenu* m_recentMenu = nullptr;
     ReportPrinter m_report;
 };
