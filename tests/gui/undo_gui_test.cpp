@@ -25,6 +25,8 @@ using namespace finora::test;
 
 namespace {
 
+using Command = CMainFrame::Command;
+
 class UndoGuiTest : public ::testing::Test {
 protected:
     UndoGuiTest()
@@ -65,7 +67,7 @@ protected:
         }
         user::press(m_frame.get(), key, modifiers);
     }
-    QString shownText(const char* action) { return user::shown(m_frame->action(action)->text()); }
+    QString shownText(Command command) { return user::shown(m_frame->action(command)->text()); }
     std::string ledgerBytes() { return serializeLedger(m_frame->document().ledger()); }
 
     QTemporaryDir m_dir;
@@ -83,8 +85,8 @@ protected:
 
 TEST_F(UndoGuiTest, DeletedShownRowsComeBackInPlaceWithCtrlZAndGoAgainWithCtrlY)
 {
-    EXPECT_FALSE(m_frame->action("actionUndo")->isEnabled());
-    EXPECT_EQ(shownText("actionUndo"), QStringLiteral("Отмени"));
+    EXPECT_FALSE(m_frame->action(Command::Undo)->isEnabled());
+    EXPECT_EQ(shownText(Command::Undo), QStringLiteral("Отмени"));
     // Only the incomes are shown: the rows to delete lie between rows that stay.
     auto* type = m_frame->findChild<QComboBox*>(QStringLiteral("typeFilter"));
     ASSERT_NE(type, nullptr);
@@ -100,16 +102,16 @@ TEST_F(UndoGuiTest, DeletedShownRowsComeBackInPlaceWithCtrlZAndGoAgainWithCtrlY)
     EXPECT_EQ(table()->model()->rowCount(), 0);
     const std::string afterDelete = ledgerBytes();
     const QString step = QStringLiteral("изтриване на %1 записа").arg(rows);
-    EXPECT_EQ(shownText("actionUndo"), QStringLiteral("Отмени: ") + step);
-    EXPECT_TRUE(m_frame->action("actionUndo")->isEnabled());
-    EXPECT_FALSE(m_frame->action("actionRedo")->isEnabled());
+    EXPECT_EQ(shownText(Command::Undo), QStringLiteral("Отмени: ") + step);
+    EXPECT_TRUE(m_frame->action(Command::Undo)->isEnabled());
+    EXPECT_FALSE(m_frame->action(Command::Redo)->isEnabled());
 
     pressInList(Qt::Key_Z);
     EXPECT_EQ(shownCells(), before);
     EXPECT_EQ(ledgerBytes(), m_original);
     EXPECT_TRUE(m_frame->isWindowModified());
-    EXPECT_EQ(shownText("actionRedo"), QStringLiteral("Възстанови: ") + step);
-    EXPECT_FALSE(m_frame->action("actionUndo")->isEnabled());
+    EXPECT_EQ(shownText(Command::Redo), QStringLiteral("Възстанови: ") + step);
+    EXPECT_FALSE(m_frame->action(Command::Undo)->isEnabled());
 
     pressInList(Qt::Key_Y);
     EXPECT_EQ(table()->model()->rowCount(), 0);
@@ -122,7 +124,7 @@ TEST_F(UndoGuiTest, DeletedShownRowsComeBackInPlaceWithCtrlZAndGoAgainWithCtrlY)
     // The same two commands stand on the toolbar.
     auto* tools = m_frame->findChild<QToolBar*>(QStringLiteral("toolbar"));
     ASSERT_NE(tools, nullptr);
-    QWidget* undoButton = tools->widgetForAction(m_frame->action("actionUndo"));
+    QWidget* undoButton = tools->widgetForAction(m_frame->action(Command::Undo));
     ASSERT_NE(undoButton, nullptr);
     QTest::mouseClick(undoButton, Qt::LeftButton);
     EXPECT_EQ(shownCells(), before);
@@ -169,14 +171,14 @@ TEST_F(UndoGuiTest, AnOperationOfTwoPaymentsSavedInTheEditorGoesWithOneCtrlZ)
     }
     ASSERT_EQ(m_frame->document().operationCount(), count + 2);
     EXPECT_EQ(table()->model()->index(0, 3).data().toString(), QStringLiteral("Ремонт на покрива"));
-    EXPECT_EQ(shownText("actionUndo"), QStringLiteral("Отмени: нова операция"));
+    EXPECT_EQ(shownText(Command::Undo), QStringLiteral("Отмени: нова операция"));
 
     pressInList(Qt::Key_Z);
     EXPECT_EQ(m_frame->document().operationCount(), count);
     // The ids and the master id it drew are taken back with it.
     EXPECT_EQ(ledgerBytes(), before);
     EXPECT_NE(table()->model()->index(0, 3).data().toString(), QStringLiteral("Ремонт на покрива"));
-    EXPECT_FALSE(m_frame->action("actionUndo")->isEnabled());
+    EXPECT_FALSE(m_frame->action(Command::Undo)->isEnabled());
 }
 
 TEST_F(UndoGuiTest, CtrlZIsRefusedWhileTheLedgerIsLocked)
@@ -198,7 +200,7 @@ TEST_F(UndoGuiTest, CtrlZIsRefusedWhileTheLedgerIsLocked)
                                          QStringLiteral("Задаване на постоянна защита")});
     }
     ASSERT_TRUE(m_frame->document().isLocked());
-    EXPECT_EQ(shownText("actionUndo"), QStringLiteral("Отмени: задаване на защита с парола"));
+    EXPECT_EQ(shownText(Command::Undo), QStringLiteral("Отмени: задаване на защита с парола"));
 
     m_prompter.clear();
     pressInList(Qt::Key_Z);
@@ -240,18 +242,18 @@ TEST_F(UndoGuiTest, OpeningOrCreatingALedgerForgetsTheSteps)
     pressInList(Qt::Key_A);
     user::chooseMenu(m_frame.get(),
                      {QStringLiteral("Редакция"), QStringLiteral("Изтрий маркираните")});
-    EXPECT_TRUE(m_frame->action("actionUndo")->isEnabled());
+    EXPECT_TRUE(m_frame->action(Command::Undo)->isEnabled());
     // The save question is answered no; the new ledger has nothing to take back.
     m_prompter.queue(Answer::No);
     user::press(m_frame.get(), Qt::Key_N, Qt::ControlModifier);
     EXPECT_EQ(m_frame->document().path(), "");
-    EXPECT_FALSE(m_frame->action("actionUndo")->isEnabled());
+    EXPECT_FALSE(m_frame->action(Command::Undo)->isEnabled());
     pressInList(Qt::Key_Z);
     EXPECT_EQ(m_frame->document().operationCount(), 0u);
     EXPECT_EQ(bytesOf(m_file), m_original);
 
     m_host.openPaths = {m_file.toStdString()};
     user::press(m_frame.get(), Qt::Key_O, Qt::ControlModifier);
-    EXPECT_FALSE(m_frame->action("actionUndo")->isEnabled());
-    EXPECT_FALSE(m_frame->action("actionRedo")->isEnabled());
+    EXPECT_FALSE(m_frame->action(Command::Undo)->isEnabled());
+    EXPECT_FALSE(m_frame->action(Command::Redo)->isEnabled());
 }

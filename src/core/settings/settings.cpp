@@ -4,6 +4,7 @@
 #include "core/model/number_text.h"
 #include "core/text/cp1251.h"
 
+#include <algorithm>
 #include <climits>
 
 namespace finora {
@@ -12,6 +13,8 @@ namespace {
 constexpr std::string_view kSettings = "Settings";
 constexpr std::string_view kColStatus = "ColStatus";
 constexpr std::string_view kTip = "Tip";
+// "File1" (the latest) to "File4": the names earlier versions wrote, so users' lists carry over.
+constexpr std::string_view kRecentFiles = "Recent File List";
 
 struct IntSpec {
     std::string_view section;
@@ -65,6 +68,11 @@ constexpr std::array<std::string_view, kColumnCount> kColumnKeys = {
 const IntSpec& spec(IntSetting key)
 {
     return kIntSpecs[static_cast<std::size_t>(key)];
+}
+
+std::string recentFileKey(int slot)
+{
+    return "File" + std::to_string(slot);
 }
 
 std::string lastFixingKey(std::string_view currencyName)
@@ -140,6 +148,30 @@ std::array<int, kColumnCount> Settings::columnStatus() const
         status[i] = m_store.readInt(kColStatus, kColumnKeys[i], 1);
     }
     return status;
+}
+
+std::vector<std::string> Settings::recentFiles() const
+{
+    std::vector<std::string> files;
+    for (int slot = 1; slot <= kRecentFileCount; ++slot) {
+        std::string path = m_store.readText(kRecentFiles, recentFileKey(slot), {});
+        if (!path.empty()) {
+            files.push_back(std::move(path));
+        }
+    }
+    return files;
+}
+
+void Settings::addRecentFile(std::string_view path)
+{
+    std::vector<std::string> files = recentFiles();
+    files.erase(std::remove(files.begin(), files.end(), path), files.end());
+    files.insert(files.begin(), std::string(path));
+    for (int slot = 1; slot <= kRecentFileCount; ++slot) {
+        const auto at = static_cast<std::size_t>(slot - 1);
+        m_store.writeText(kRecentFiles, recentFileKey(slot),
+                          at < files.size() ? files[at] : std::string());
+    }
 }
 
 std::string_view Settings::keyName(IntSetting key)

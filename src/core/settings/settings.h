@@ -5,6 +5,7 @@
 #include <array>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace finora {
 
@@ -74,6 +75,13 @@ public:
     bool columnShown(Column column) const;
     void setColumnShown(Column column, bool shown);
     std::array<int, kColumnCount> columnStatus() const;
+
+    // The ledgers opened last, the latest first, at most kRecentFileCount of them.
+    std::vector<std::string> recentFiles() const;
+    // Puts `path` first: an earlier entry of the same path goes, and the oldest past the limit
+    // drops off. Every slot is written, the unused ones empty.
+    void addRecentFile(std::string_view path);
+    static constexpr int kRecentFileCount = 4;
 
     static std::string_view keyName(IntSetting key);
     static std::string_view keyName(TextSetting key);

@@ -12,6 +12,9 @@
 #include "gui/window/report_printer.h"
 
 #include <QMainWindow>
+#include <array>
+#include <bitset>
+#include <cstddef>
 
 class QAction;
 class QMenu;
@@ -22,15 +25,87 @@ namespace finora {
 // goes through the prompter and every file name for a first save through the host, so tests can
 // drive the window with scripted answers.
 class CMainFrame final : public QMainWindow {
+    Q_OBJECT
+
 public:
+    // Every menu command, in the order the menus show them. The table in main_frame_commands.cpp
+    // describes each one (text, keys, status tip, menu, toolbar) in this order.
+    enum class Command {
+        // "&Файл"
+        New,
+        Open,
+        Save,
+        SaveAs,
+        Import,
+        SaveFilter,
+        LoadFilter,
+        Print,
+        PrintPreview,
+        ExportPdf,
+        ExportCsv,
+        PageSetup,
+        PrintWidths,
+        Exit,
+        // "&Редакция"
+        Undo,
+        Redo,
+        Refresh,
+        SelectAll,
+        AddRecord,
+        EditRecord,
+        AddInCategory,
+        DeleteAll,
+        DeleteShown,
+        DeleteSelected,
+        SetPaid,
+        ResetFilter,
+        Search,
+        AmountFilter,
+        TodayOnly,
+        Calculator,
+        AddCategoryToFilter,
+        // "&Данни"
+        CurrencyCash,
+        Categories,
+        YearlyChart,
+        // "&Настройки"
+        TemporaryUnlock,
+        PermanentProtection,
+        AutoSave,
+        AutoOpen,
+        ShowToday,
+        Subcategories,
+        BackupFolder,
+        BackupBeside,
+        SuggestNone,
+        SuggestLast,
+        SuggestAverage,
+        AskForRate,
+        OpTypeIncome,
+        OpTypeExpense,
+        OpTypeLast,
+        DblClickAdds,
+        DblClickFilters,
+        // "&Помощ"
+        Help,
+        Effective,
+        Tip,
+        UpdateCheck,
+        HomePage,
+        About,
+        Count
+    };
+    static constexpr std::size_t kCommandCount = static_cast<std::size_t>(Command::Count);
+
     CMainFrame(SettingsStore& store, Prompter& prompter, DocumentHost& host, const Clock& clock,
                QWidget* parent = nullptr);
     ~CMainFrame() override;
 
     CFinoraDoc& document() { return m_doc; }
     CFinoraView& view() { return *m_view; }
-    // The action of a command by its object name ("actionRefresh", …), for tests and toolbars.
-    QAction* action(const char* objectName) const;
+    // The action of a command, never null; its object name is "action" followed by the
+    // command's name ("actionRefresh", …).
+    QAction* action(Command command) const { return m_actions[static_cast<std::size_t>(command)]; }
     ReportPrinter& report() { return m_report; }
 
     // A new, empty ledger; false when the user cancelled the save-changes question.
@@ -48,17 +123,17 @@ public:
     QStringList recentFiles() const;
 
     static constexpr const char* kCalculatorMissingText =
-        "Калкулаторът на Windows не беше открит. Моля, инсталирайте го.";
+        QT_TR_NOOP("Калкулаторът на Windows не беше открит. Моля, инсталирайте го.");
 
     // "За програмата ...": the version, the licence and the Qt it runs on.
     static Message aboutMessage();
 
-    static constexpr const char* kIdleText = "Finora е в състояние на готовност ...";
+    static constexpr const char* kIdleText = QT_TR_NOOP("Finora е в състояние на готовност ...");
     // After a save the filter hides: how many of all the operations it hides.
     static constexpr const char* kSavedButHiddenText =
-        "Записаната операция не се вижда в списъка: филтърът скрива %1 от %2 операции.";
+        QT_TR_NOOP("Записаната операция не се вижда в списъка: филтърът скрива %1 от %2 операции.");
     // The title's name of a ledger that has never been saved.
-    static constexpr const char* kUntitledName = "Без име";
+    static constexpr const char* kUntitledName = QT_TR_NOOP("Без име");
 
 protected:
     void closeEvent(QCloseEvent* event) override;
@@ -66,34 +141,54 @@ protected:
     void dropEvent(QDropEvent* event) override;
 
 private:
+    // main_frame_commands.cpp: the actions from the command table, the menus and the toolbar
+    // they sit in, and when they are enabled or checked.
     void createActions();
-    void updateTitle();
+    void createMenus();
+    void createColumnsMenu(QMenu* settings);
+    void createToolBar();
     void updateCommands();
-    void openWithDialog();
-    void saveAs();
+
+    // main_frame.cpp: what each command runs.
+    template <class Handler> void onCommand(Command command, Handler handler);
+    void connectFileCommands();
+    void connectEditCommands();
+    void connectLedgerAndHelpCommands();
+    void connectSettingsCommands();
+    void connectOptionCommands();
+    void updateTitle();
     // "&Отмени" and "&Възстанови": the list and the filter panel follow the ledger.
     void undoOrRedo(bool undo);
     void refreshAfterLockChange();
     void search();
     void filterByAmount();
+    void selectAll();
+    void showTodayOnly();
     // The operation editor, again and again while the user asks for another one.
     void editOperation(OperationEditor::Opening opening);
     void editSelectedOperation();
     void tellWhenHidden(std::int32_t lastIdBefore, std::int32_t editedId);
     // Dialogs that change categories or currencies: the panel shows the new ones afterwards.
     template <class Dialog> void runLedgerDialog(Dialog& dialog);
+    void showYearlyChart();
+    void chooseBackupFolderWithDialog();
+    void checkForUpdate();
+    void startCalculator();
+    PasswordAsker askPassword();
+
+    // main_frame_files.cpp: opening, saving, the recent files, import and export.
+    void openWithDialog();
+    void save();
+    void saveAs();
     void importLedgerFile();
     // The host's save dialog for an export; the extension is added when the name lacks it.
-    std::optional<std::string> chooseExportFile(const char* title, const char* filter,
+    std::optional<std::string> chooseExportFile(const QString& title, const char* filter,
                                                 std::string_view extension);
     void exportReportPdf();
     // "Запиши списъка като CSV ...": the rows and columns the list shows now.
     void exportListCsv();
-    void startCalculator();
-    void rememberRecent(const QString& path);
     void fillRecentMenu();
     void afterOpen();
-    PasswordAsker askPassword();
 
     Settings m_settings;
     Prompter& m_prompter;
@@ -102,7 +197,8 @@ private:
     BackupWriter m_backups;
     DocumentStorage m_storage;
     CFinoraView* m_view;
-    SettingsStore& m_store;
+    std::array<QAction*, kCommandCount> m_actions{};
+    std::bitset<kCommandCount> m_handled; // the commands connected to what they run
     QMenu* m_recentMenu = nullptr;
     ReportPrinter m_report;
 };

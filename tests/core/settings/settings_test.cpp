@@ -95,3 +95,52 @@ TEST(Settings, LastRatesAreKeptPerCurrencyAsSixDecimalTexts)
     store.writeText("Settings", "LastFixingGBP", "not a number");
     EXPECT_EQ(s.lastFixing("GBP"), 0.0);
 }
+
+TEST(Settings, RecentFilesAreReadFromTheirNumberedSlotsSkippingEmptyOnes)
+{
+    MemorySettingsStore store;
+    const Settings s(store);
+    EXPECT_TRUE(s.recentFiles().empty());
+    store.writeText("Recent File List", "File1", "/дом/а.fnr");
+    store.writeText("Recent File List", "File3", "/дом/в.fnr");
+    store.writeText("Recent File List", "File5", "/дом/past-the-limit.fnr");
+    EXPECT_EQ(s.recentFiles(), (std::vector<std::string>{"/дом/а.fnr", "/дом/в.fnr"}));
+    EXPECT_EQ(store.writeCount(), 3u); // reading writes nothing
+}
+
+TEST(Settings, ARecentFileGoesFirstOnceAndTheOldestDropsPastFour)
+{
+    MemorySettingsStore store;
+    Settings s(store);
+    s.addRecentFile("a.fnr");
+    s.addRecentFile("b.fnr");
+    EXPECT_EQ(s.recentFiles(), (std::vector<std::string>{"b.fnr", "a.fnr"}));
+    // Every slot is written, the unused ones empty.
+    EXPECT_EQ(store.readText("Recent File List", "File1", "-"), "b.fnr");
+    EXPECT_EQ(store.readText("Recent File List", "File2", "-"), "a.fnr");
+    EXPECT_EQ(store.readText("Recent File List", "File3", "-"), "");
+    EXPECT_EQ(store.readText("Recent File List", "File4", "-"), "");
+
+    s.addRecentFile("a.fnr"); // moved up, not listed twice
+    EXPECT_EQ(s.recentFiles(), (std::vector<std::string>{"a.fnr", "b.fnr"}));
+
+    for (const char* path : {"c.fnr", "d.fnr", "e.fnr"}) {
+        s.addRecentFile(path);
+    }
+    EXPECT_EQ(s.recentFiles(),
+              (std::vector<std::string>{"e.fnr", "d.fnr", "c.fnr", "a.fnr"})); // b dropped off
+    EXPECT_FALSE(store.contains("Recent File List", "File5"));
+}
+
+TEST(Settings, ARecentFileListedTwiceByHandIsListedOnceAfterTheNextOpen)
+{
+    MemorySettingsStore store;
+    Settings s(store);
+    store.writeText("Recent File List", "File1", "a.fnr");
+    store.writeText("Recent File List", "File2", "b.fnr");
+    store.writeText("Recent File List", "File3", "a.fnr");
+    EXPECT_EQ(s.recentFiles().size(), 3u);
+    s.addRecentFile("a.fnr");
+    EXPECT_EQ(s.recentFiles(), (std::vector<std::string>{"a.fnr", "b.fnr"}));
+    EXPECT_EQ(store.readText("Recent File List", "File3", "-"), "");
+}

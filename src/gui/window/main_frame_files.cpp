@@ -1,0 +1,211 @@
+// The main window's files: new, open (by dialog, by name, dropped, recent), save, import and
+// the exports.
+#include "core/model/lock_guard.h"
+#include "core/reports/list_csv.h"
+#include "core/storage/file_io.h"
+#include "core/storage/ledger_import.h"
+#include "gui/window/main_frame.h"
+
+#include <QCloseEvent>
+#include <QDragEnterEvent>
+#include <QDropEvent>
+#include <QFileInfo>
+#include <QMenu>
+#include <QMimeData>
+#include <sstream>
+
+namespace finora {
+
+bool CMainFrame::newLedger()
+{
+    if (!m_storage.saveModified()) {
+        return false;
+    }
+    m_storage.closeDocument();
+    m_doc.setUnlocked(false);
+    m_view->resetFilter();
+    return true;
+}
+
+bool CMainFrame::openLedger(const QString& path)
+{
+    if (!m_storage.saveModified()) {
+        return false;
+    }
+    const auto result = m_storage.open(path.toStdString());
+    if (result == DocumentStorage::OpenResult::Cancelled) {
+        return false; // the ledger that was open stays as it was
+    }
+    m_doc.setUnlocked(false);
+    m_view->resetFilter();
+    if (result != DocumentStorage::OpenResult::Opened) {
+        return false;
+    }
+    m_settings.addRecentFile(path.toStdString());
+    afterOpen();
+    return true;
+}
+
+void CMainFrame::afterOpen()
+{
+    if (m_doc.isLocked()) {
+        tellProtected(m_prompter);
+    }
+    if (m_settings.isOn(IntSetting::ShowForTodayOnOpen)) {
+        todayOnly(m_view->list().criteria(), m_doc.clock().now());
+        m_view->filterPanel().showCriteria();
+        m_view->refresh();
+    }
+}
+
+bool CMainFrame::startUp(const QStringList& arguments)
+{
+    // The desktop opens filter files with Finora too: the ledger the program would open anyway,
+    // seen through that filter. A filter that cannot be read is said so, and start-up goes on.
+    const bool filterFile = arguments.size() > 1 &&
+                            arguments.at(1).endsWith(QStringLiteral(".ffl"), Qt::CaseInsensitive);
+    if (arguments.size() > 1 && !filterFile) {
+        return openLedger(arguments.at(1));
+    }
+    const std::string last = m_settings.text(TextSetting::LastFileUsed);
+    if (m_settings.isOn(IntSetting::AutoOpen) && !last.empty()) {
+        openLedger(QString::fromStdString(last));
+    }
+    if (filterFile) {
+        m_view->filterPanel().loadFilterFrom(arguments.at(1));
+    }
+    return true;
+}
+
+QStringList CMainFrame::recentFiles() const
+{
+    QStringList files;
+    for (const std::string& path : m_settings.recentFiles()) {
+        files << QString::fromStdString(path);
+    }
+    return files;
+}
+
+void CMainFrame::fillRecentMenu()
+{
+    m_recentMenu->clear();
+    int n = 1;
+    for (const QString& path : recentFiles()) {
+        QAction* open = m_recentMenu->addAction(tr("&%1 %2").arg(QString::number(n++), path));
+        connect(open, &QAction::triggered, this, [this, path] { openLedger(path); });
+    }
+    m_recentMenu->setEnabled(!m_recentMenu->isEmpty());
+}
+
+void CMainFrame::openWithDialog()
+{
+    if (const auto path = m_host.chooseOpenPath({})) {
+        openLedger(QString::fromStdString(*path));
+    }
+}
+
+void CMainFrame::save()
+{
+    m_storage.saveCommand();
+    updateTitle();
+}
+
+void CMainFrame::saveAs()
+{
+    if (const auto path = m_host.chooseSavePath()) {
+        m_storage.save(*path);
+    }
+    updateTitle();
+}
+
+void CMainFrame::importLedgerFile()
+{
+    if (refuseWhenLocked(m_doc, m_prompter)) {
+        return;
+    }
+    const auto path =
+        m_host.chooseOpenPath(tr("Импортиране на данни от друг документ").toStdString());
+    if (!path) {
+        return;
+    }
+    std::string bytes;
+    FileError error = FileError::None;
+    if (!readWholeFile(*path, bytes, &error)) {
+        m_prompter.error(
+            tr("Файлът „%1“ не може да бъде отворен.\n%2")
+                .arg(QString::fromStdString(*path), QString::fromStdString(describe(error)))
+                .toStdString());
+        return;
+    }
+    importLedger(m_doc, bytes, m_prompter);
+    m_view->filterPanel().showCriteria();
+    m_view->refresh();
+}
+
+std::optional<std::string> CMainFrame::chooseExportFile(const QString& title, const char* filter,
+                                                        std::string_view extension)
+{
+    const std::string folder =
+        m_doc.path().empty() ? std::string()
+                             : QFileInfo(QString::fromStdString(m_doc.path())).path().toStdString();
+    std::optional<std::string> path =
+        m_host.chooseExportPath({title.toStdString(), filter, folder});
+    if (path && !QString::fromStdString(*path).endsWith(QString::fromLatin1(extension),
+                                                        Qt::CaseInsensitive)) {
+        *path += extension;
+    }
+    return path;
+}
+
+void CMainFrame::exportReportPdf()
+{
+    const auto path = chooseExportFile(tr("Запиши справката като PDF"), "PDF (*.pdf)", ".pdf");
+    if (path && !m_report.exportPdf(QString::fromStdString(*path))) {
+        m_prompter.error(tr("Справката не беше записана в %1.")
+                             .arg(QString::fromStdString(*path))
+                             .toStdString());
+    }
+}
+
+void CMainFrame::exportListCsv()
+{
+    const auto path = chooseExportFile(tr("Запиши списъка като CSV"), "CSV (*.csv)", ".csv");
+    if (!path) {
+        return;
+    }
+    std::ostringstream csv;
+    writeListCsv(csv, m_view->list(), shownListColumns(m_settings));
+    FileError error = FileError::None;
+    if (!writeFileAtomically(*path, csv.str(), &error)) {
+        m_prompter.error(
+            tr("Списъкът не беше записан в „%1“.\n%2")
+                .arg(QString::fromStdString(*path), QString::fromStdString(describe(error)))
+                .toStdString());
+    }
+}
+
+void CMainFrame::dragEnterEvent(QDragEnterEvent* event)
+{
+    if (event->mimeData()->hasUrls()) {
+        event->acceptProposedAction();
+    }
+}
+
+void CMainFrame::dropEvent(QDropEvent* event)
+{
+    const QList<QUrl> urls = event->mimeData()->urls();
+    if (!urls.isEmpty() && urls.first().isLocalFile()) {
+        openLedger(urls.first().toLocalFile());
+    }
+}
+
+void CMainFrame::closeEvent(QCloseEvent* event)
+{
+    if (m_storage.saveModified()) {
+        event->accept();
+    } else {
+        event->ignore();
+    }
+}
+
+} // namespace finora
