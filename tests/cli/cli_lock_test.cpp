@@ -139,7 +139,7 @@ TEST_F(CliTest, AChainOfAHundredThousandNestedCategoriesIsWalkedInAMoment)
     Ledger chain;
     constexpr int kDepth = 100'000;
     for (int id = 1; id <= kDepth; ++id) {
-        chain.categories.append(Category(id, "c" + std::to_string(id), id - 1));
+        chain.categories.append(Category(id, std::string("c").append(std::to_string(id)), id - 1));
     }
     chain.operations.append(Operation(1, DateTime::fromParts(2025, 3, 1),
                                       cp1251::fromUtf8OrThrow("най-долу"), 2, kDepth, 1.0, 0, 1.0,

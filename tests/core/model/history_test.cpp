@@ -124,7 +124,7 @@ private:
         std::advance(it, static_cast<std::ptrdiff_t>(m_rng() % list.size()));
         return &*it;
     }
-    std::string word() { return "w" + std::to_string(m_rng() % 50); }
+    std::string word() { return std::string("w").append(std::to_string(m_rng() % 50)); }
 
     void newOperation()
     {
@@ -241,7 +241,7 @@ private:
     void currencyCommand()
     {
         CurrencyCashEditor cash(m_doc, m_settings, m_prompter);
-        const std::string name = "C" + std::to_string(m_rng() % 20);
+        const std::string name = std::string("C").append(std::to_string(m_rng() % 20));
         const auto asker = [&](const std::string&) { return std::optional(name); };
         const std::size_t row = m_rng() % cash.rows().size();
         switch (m_rng() % 3) {
