@@ -17,6 +17,7 @@
 #include <QTemporaryDir>
 #include <QTimer>
 #include <QTreeWidget>
+#include <QTreeWidgetItemIterator>
 #include <gtest/gtest.h>
 
 using namespace finora;
@@ -95,6 +96,16 @@ TEST_F(MainWindowRules, TheNewOperationTypeAndTheDoubleClickChoiceAreSubmenusChe
     EXPECT_EQ(m_store.readInt("Settings", "FilterOnDblClick", -1), 0);
     EXPECT_EQ(checkedIn("menuDoubleClick"),
               QStringList{QStringLiteral("Създавай нова операция в тази категория")});
+    // A double click on a category of the panel's tree now opens the editor there.
+    auto* tree = user::child<QTreeWidget>(m_frame.get(), "categoryTree");
+    QTreeWidgetItem* leaf = nullptr;
+    for (QTreeWidgetItemIterator it(tree); *it && !leaf; ++it) {
+        leaf = (*it)->childCount() == 0 ? *it : nullptr;
+    }
+    ASSERT_NE(leaf, nullptr);
+    user::ExpectDialog inCategory([](QDialog* d) { QTest::keyClick(d, Qt::Key_Escape); });
+    user::doubleClickItem(tree, leaf);
+    inCategory.verify();
     user::chooseMenu(m_frame.get(),
                      {QStringLiteral("Настройки"),
                       QStringLiteral("При двойно кликване на категория ..."),

@@ -15,7 +15,6 @@
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QLabel>
-#include <QMetaMethod>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QTreeWidget>
@@ -176,9 +175,7 @@ void FilterPanel::connectControls()
         }
     });
     connect(m_tree, &QTreeWidget::itemDoubleClicked, this, [this] {
-        // Without a listener the double click adds the category, as when the option is off.
-        if (m_settings.isOn(IntSetting::AddOnDblClick) &&
-            isSignalConnected(QMetaMethod::fromSignal(&FilterPanel::addInCategoryRequested))) {
+        if (m_settings.isOn(IntSetting::AddOnDblClick)) {
             Q_EMIT addInCategoryRequested();
         } else {
             addTreeCategory();
