@@ -11,6 +11,7 @@
 #include <QComboBox>
 #include <QDateEdit>
 #include <QDialog>
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QLabel>
@@ -165,6 +166,20 @@ TEST_F(MainFrameTest, TheFilterPanelNarrowsTheList)
     EXPECT_EQ(selected->topLevelItemCount(), 0);
     EXPECT_FALSE(clear->isEnabled());
     EXPECT_EQ(shownRows(), 500);
+}
+
+TEST_F(MainFrameTest, ALedgerNamedRelativeOnTheCommandLineIsRememberedByItsWholePath)
+{
+    const QString before = QDir::currentPath();
+    ASSERT_TRUE(QDir::setCurrent(QFileInfo(m_file).path()));
+    // The command line is the program's own start: no widget leads there.
+    const bool opened = m_frame->startUp({QStringLiteral("finora"), QFileInfo(m_file).fileName()});
+    QDir::setCurrent(before);
+    ASSERT_TRUE(opened);
+    EXPECT_EQ(m_store.readText("Settings", "LastFileUsed", ""), m_file.toStdString());
+    EXPECT_EQ(user::menuTexts(m_frame.get(),
+                              {QStringLiteral("Файл"), QStringLiteral("Последно отваряни")}),
+              QStringList{QStringLiteral("1 ") + m_file});
 }
 
 TEST_F(MainFrameTest, StartUpReopensTheLastLedgerAndShowsTodayWhenAsked)

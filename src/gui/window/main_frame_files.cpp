@@ -65,7 +65,9 @@ bool CMainFrame::startUp(const QStringList& arguments)
     const bool filterFile = arguments.size() > 1 &&
                             arguments.at(1).endsWith(QStringLiteral(".ffl"), Qt::CaseInsensitive);
     if (arguments.size() > 1 && !filterFile) {
-        return openLedger(arguments.at(1));
+        // Absolute, so the recent-file list and the ledger reopened at the next start still
+        // name it when the program is started from another folder.
+        return openLedger(QFileInfo(arguments.at(1)).absoluteFilePath());
     }
     const std::string last = m_settings.text(TextSetting::LastFileUsed);
     if (m_settings.isOn(IntSetting::AutoOpen) && !last.empty()) {
