@@ -45,7 +45,9 @@ void Session::lockForWriting(const std::string& path)
             return; // taken, or no lock can be kept there and so nobody holds one
         }
         const LockOwner& holder = m_lock.holder();
-        if (holder.program == kCommandLineProgram && std::chrono::steady_clock::now() < deadline) {
+        // A lock that cannot be read is refused at once: our own commands' locks are readable.
+        if (!holder.unreadable && holder.program == kCommandLineProgram &&
+            std::chrono::steady_clock::now() < deadline) {
             std::this_thread::sleep_for(std::chrono::milliseconds(50));
             continue;
         }

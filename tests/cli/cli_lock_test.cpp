@@ -9,13 +9,16 @@
 #include <chrono>
 
 #ifndef _WIN32
+#include <pwd.h>
 #include <spawn.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 extern char** environ;
 #endif
 
 using namespace finora;
 using namespace finora::test;
+namespace fs = std::filesystem;
 
 namespace {
 
@@ -82,6 +85,73 @@ TEST_F(CliTest, ALedgerOpenInTheDesktopProgramIsNotWrittenWithoutForce)
     desktop.release();
     EXPECT_FALSE(std::filesystem::exists(LedgerLock::lockPathFor(file)));
 }
+
+#ifndef _WIN32
+TEST_F(CliTest, ALockThatCannotBeReadIsSomebodysLock)
+{
+    const std::string file = path("общ.fnr");
+    const std::string other = path("друг.fnr");
+    ASSERT_EQ(run({"generate", file, "--operations", "100", "--seed", "1"}).status, 0);
+    ASSERT_EQ(run({"generate", other, "--operations", "10", "--seed", "2"}).status, 0);
+    const std::string before = read(file);
+    const fs::path lockPath = LedgerLock::lockPathFor(file);
+
+    // A program started with a private umask still leaves a lock the ledger's group can read.
+    {
+        const mode_t old = ::umask(077);
+        LedgerLock desktop;
+        const auto taken = desktop.acquire(file, kDesktopProgram, DateTime::fromParts(2026, 1, 2));
+        ::umask(old);
+        ASSERT_EQ(taken, LedgerLock::Result::Acquired);
+        struct stat st {};
+        ASSERT_EQ(::stat(lockPath.c_str(), &st), 0);
+        EXPECT_NE(st.st_mode & S_IRGRP, 0u);
+    }
+
+    // A lock of another user that this one may not read, as older programs left them.
+    write(pathToUtf8(lockPath), "Finora lock 1\npid=1\ntoken=abc\n");
+    ::chmod(lockPath.c_str(), 0);
+    std::string owner;
+    if (const passwd* me = ::getpwuid(::geteuid())) {
+        owner = me->pw_name;
+    }
+    // Root reads anything: the other user is then played by "nobody" in a child process.
+    const bool asRoot = ::geteuid() == 0;
+    if (asRoot) {
+        ::chmod(dir.c_str(), 0777);
+        ::chmod(file.c_str(), 0666);
+        ::chmod(other.c_str(), 0644);
+    }
+    const auto runAsOtherUser = [&](std::vector<std::string> args) {
+        if (!asRoot) {
+            return run(args);
+        }
+        const std::string errFile = path("err.txt");
+        const pid_t child = ::fork();
+        if (child == 0) {
+            if (::setgid(65534) != 0 || ::setuid(65534) != 0) {
+                ::_exit(100);
+            }
+            const CliResult r = run(args);
+            write(errFile, r.err);
+            ::_exit(r.status);
+        }
+        int status = 0;
+        ::waitpid(child, &status, 0);
+        return CliResult{WIFEXITED(status) ? WEXITSTATUS(status) : -1, "", read(errFile)};
+    };
+
+    const CliResult refused = runAsOtherUser({"import", file, other});
+    EXPECT_EQ(refused.status, cli::kHeld);
+    EXPECT_NE(refused.err.find("не може да бъде прочетено"), std::string::npos) << refused.err;
+    EXPECT_NE(refused.err.find(owner), std::string::npos) << refused.err;
+    EXPECT_EQ(read(file), before);
+
+    const CliResult forced = runAsOtherUser({"import", file, other, "--force"});
+    EXPECT_EQ(forced.status, 0) << forced.err;
+    EXPECT_NE(read(file), before);
+}
+#endif
 
 TEST_F(CliTest, GenerateWillNotReplaceALedgerWithoutForce)
 {

@@ -6,6 +6,7 @@
 #include <charconv>
 #include <cstdio>
 #include <cstdlib>
+#include <ctime>
 #include <fstream>
 #include <limits>
 #include <mutex>
@@ -19,6 +20,7 @@
 #include <fcntl.h>
 #include <pwd.h>
 #include <signal.h>
+#include <sys/stat.h>
 #include <unistd.h>
 #endif
 
@@ -158,18 +160,88 @@ bool isAlive(const LockOwner& owner)
     return true;
 }
 
-std::optional<std::string> readSmall(const fs::path& path)
+std::optional<std::string> readSmall(const fs::path& path, FileError* error = nullptr)
 {
     std::string bytes;
-    if (!readWholeFile(pathToUtf8(path), bytes, nullptr, kMaxLockBytes)) {
+    if (!readWholeFile(pathToUtf8(path), bytes, error, kMaxLockBytes)) {
         return std::nullopt;
     }
     return bytes;
 }
 
-bool writeSmall(const fs::path& path, std::string_view text)
+std::string dayAndTime(const DateTimeParts& p)
 {
-    return writeFile(pathToUtf8(path), text);
+    char text[64];
+    std::snprintf(text, sizeof text, "%02d-%02d-%04d %02d:%02d", p.day, p.month, p.year, p.hour,
+                  p.minute);
+    return text;
+}
+
+// A lock that is there but may not be read is somebody's lock all the same: all that can be
+// told of it is who owns the file and since when.
+LockOwner unreadableOwner(const fs::path& lockPath)
+{
+    LockOwner owner;
+    owner.unreadable = true;
+#ifndef _WIN32
+    struct stat st {};
+    if (::stat(lockPath.c_str(), &st) == 0) {
+        if (const passwd* pw = ::getpwuid(st.st_uid); pw && pw->pw_name) {
+            owner.user = pw->pw_name;
+        } else {
+            owner.user = std::to_string(st.st_uid);
+        }
+        std::tm local{};
+        const std::time_t when = st.st_mtime;
+        if (::localtime_r(&when, &local)) {
+            owner.since = dayAndTime({local.tm_year + 1900, local.tm_mon + 1, local.tm_mday,
+                                      local.tm_hour, local.tm_min, local.tm_sec});
+        }
+    }
+#else
+    (void)lockPath;
+#endif
+    return owner;
+}
+
+enum class LockRead { Text, Missing, Unreadable };
+
+LockRead readLock(const fs::path& lockPath, std::string& text)
+{
+    FileError error = FileError::None;
+    if (auto bytes = readSmall(lockPath, &error)) {
+        text = std::move(*bytes);
+        return LockRead::Text;
+    }
+    // Anything else that will not read (too large, a folder) is no lock file of ours.
+    return error == FileError::AccessDenied ? LockRead::Unreadable : LockRead::Missing;
+}
+
+#ifndef _WIN32
+// Whoever may write the ledger must be able to read its lock, whatever the umask: the lock
+// takes the ledger's group and is readable by all.
+void makeReadable(const fs::path& file, const fs::path& ledger)
+{
+    ::chmod(file.c_str(), 0644);
+    struct stat st {};
+    if (::stat(ledger.c_str(), &st) == 0) {
+        [[maybe_unused]] const int ignored =
+            ::chown(file.c_str(), static_cast<uid_t>(-1), st.st_gid);
+    }
+}
+#endif
+
+bool writeLockText(const fs::path& path, std::string_view text, const fs::path& ledger)
+{
+    if (!writeFile(pathToUtf8(path), text)) {
+        return false;
+    }
+#ifndef _WIN32
+    makeReadable(path, ledger);
+#else
+    (void)ledger;
+#endif
+    return true;
 }
 
 enum class Create { Created, Exists, Failed };
@@ -177,10 +249,11 @@ enum class Create { Created, Exists, Failed };
 // Creates the lock file with its whole text at once, or finds that it is there: the text goes
 // into a file of its own, which is then linked under the lock's name, so no reader ever sees a
 // half-written lock.
-Create createExclusive(const fs::path& lockPath, std::string_view text, const std::string& token)
+Create createExclusive(const fs::path& lockPath, std::string_view text, const std::string& token,
+                       const fs::path& ledger)
 {
     const fs::path temp = siblingPath(lockPath, "", "." + token);
-    if (!writeSmall(temp, text)) {
+    if (!writeLockText(temp, text, ledger)) {
         return Create::Failed;
     }
     std::error_code ec;
@@ -201,6 +274,7 @@ Create createExclusive(const fs::path& lockPath, std::string_view text, const st
     }
     const bool written = ::write(fd, text.data(), text.size()) == static_cast<ssize_t>(text.size());
     ::close(fd);
+    makeReadable(lockPath, ledger);
     return written ? Create::Created : Create::Failed;
 #else
     if (fs::exists(lockPath, ec)) {
@@ -212,10 +286,11 @@ Create createExclusive(const fs::path& lockPath, std::string_view text, const st
 #endif
 }
 
-bool replaceWith(const fs::path& lockPath, std::string_view text, const std::string& token)
+bool replaceWith(const fs::path& lockPath, std::string_view text, const std::string& token,
+                 const fs::path& ledger)
 {
     const fs::path temp = siblingPath(lockPath, "", "." + token);
-    if (!writeSmall(temp, text)) {
+    if (!writeLockText(temp, text, ledger)) {
         return false;
     }
     std::error_code ec;
@@ -321,6 +396,10 @@ std::optional<LockOwner> parseLockFile(std::string_view text)
 std::string describeOwner(const LockOwner& o)
 {
     std::string who = o.user.empty() ? std::string("непознат потребител") : o.user;
+    if (o.unreadable) {
+        return who + " (заключването не може да бъде прочетено)" +
+               (o.since.empty() ? std::string() : ", от " + o.since);
+    }
     if (!o.host.empty()) {
         who += " на " + o.host;
     }
@@ -358,11 +437,17 @@ fs::path LedgerLock::lockPathFor(const std::string& ledgerPath)
 
 std::optional<LockOwner> LedgerLock::liveHolder(const std::string& ledgerPath)
 {
-    const auto text = readSmall(lockPathFor(ledgerPath));
-    if (!text) {
+    const fs::path lockPath = lockPathFor(ledgerPath);
+    std::string text;
+    switch (readLock(lockPath, text)) {
+    case LockRead::Missing:
         return std::nullopt;
+    case LockRead::Unreadable:
+        return unreadableOwner(lockPath);
+    case LockRead::Text:
+        break;
     }
-    auto owner = parseLockFile(*text);
+    auto owner = parseLockFile(text);
     if (owner && isAlive(*owner)) {
         return owner;
     }
@@ -374,6 +459,7 @@ LedgerLock::Result LedgerLock::acquire(const std::string& ledgerPath, std::strin
 {
     release();
     m_holder = {};
+    const fs::path ledger = resolveLinks(pathFromUtf8(ledgerPath));
     const fs::path lockPath = lockPathFor(ledgerPath);
     LockOwner me;
     me.program = program;
@@ -381,12 +467,8 @@ LedgerLock::Result LedgerLock::acquire(const std::string& ledgerPath, std::strin
     me.host = currentHost();
     me.pid = currentPid();
     me.processStart = processStartOf(me.pid);
-    DateTimeParts p;
-    if (now.toParts(p)) {
-        char since[32];
-        std::snprintf(since, sizeof since, "%02d-%02d-%04d %02d:%02d", p.day, p.month, p.year,
-                      p.hour, p.minute);
-        me.since = since;
+    if (DateTimeParts p; now.toParts(p)) {
+        me.since = dayAndTime(p);
     }
     me.token = newToken();
     const std::string text = lockFileText(me);
@@ -400,7 +482,7 @@ LedgerLock::Result LedgerLock::acquire(const std::string& ledgerPath, std::strin
     };
     // A few rounds: a lock can vanish or change hands between looking and taking.
     for (int round = 0; round < 3; ++round) {
-        switch (createExclusive(lockPath, text, me.token)) {
+        switch (createExclusive(lockPath, text, me.token, ledger)) {
         case Create::Created:
             return hold();
         case Create::Failed:
@@ -408,17 +490,22 @@ LedgerLock::Result LedgerLock::acquire(const std::string& ledgerPath, std::strin
         case Create::Exists:
             break;
         }
-        const auto existing = readSmall(lockPath);
-        if (!existing) {
+        std::string existing;
+        const LockRead read = readLock(lockPath, existing);
+        if (read == LockRead::Missing) {
             continue; // released just now
         }
-        const auto owner = parseLockFile(*existing);
+        if (read == LockRead::Unreadable) {
+            m_holder = unreadableOwner(lockPath);
+            return Result::HeldByOther;
+        }
+        const auto owner = parseLockFile(existing);
         if (owner && isAlive(*owner)) {
             m_holder = *owner;
             return Result::HeldByOther;
         }
         // Left by a process that has ended: take it over.
-        if (!replaceWith(lockPath, text, me.token)) {
+        if (!replaceWith(lockPath, text, me.token, ledger)) {
             return Result::Unavailable;
         }
         // Another program may have taken it over at the same moment; the file says who won.

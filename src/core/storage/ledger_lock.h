@@ -19,6 +19,9 @@ struct LockOwner {
     std::string since;              // "23-11-2026 10:15", for people to read
     std::string token;              // tells one holder from another in the same process
     std::uint64_t processStart = 0; // when the process began, where the system says; 0 if unknown
+    // The lock file is there but may not be read: `user` owns the file and `since` is its time,
+    // and nothing else is known.
+    bool unreadable = false;
 
     bool operator==(const LockOwner&) const = default;
 };
