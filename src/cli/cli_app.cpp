@@ -6,6 +6,7 @@
 #include "finora_version.h"
 
 #include <algorithm>
+#include <new>
 
 namespace finora::cli {
 namespace {
@@ -98,6 +99,10 @@ int run(const std::vector<std::string>& argv, std::ostream& out, std::ostream& e
     } catch (const Failure& f) {
         err << "finora-cli: " << f.message << '\n';
         return f.status;
+    } catch (const std::bad_alloc&) {
+        // Readers refuse what memory cannot hold; anything else that runs out is said too.
+        err << "finora-cli: " << describe(FileError::TooLarge) << '\n';
+        return kUnreadable;
     }
 }
 

@@ -72,13 +72,7 @@ int cmdImport(Session& s, std::ostream& out)
     const std::string target = s.args().value("-o").value_or(path);
     s.lockForWriting(target);
     s.open(path, true);
-    std::string bytes;
-    FileError error = FileError::None;
-    if (!readWholeFile(other, bytes, &error)) {
-        throw Failure{kUnreadable,
-                      "файлът „" + other + "“ не може да бъде отворен. " + describe(error)};
-    }
-    const ImportResult r = importLedger(s.doc(), bytes, s.prompter());
+    const ImportResult r = importLedgerFile(s.doc(), other, s.prompter());
     if (r.status != ImportResult::Status::Imported) {
         throw Failure{r.status == ImportResult::Status::Newer ? kNewerFormat : kUnreadable,
                       oneLine(r.message)};

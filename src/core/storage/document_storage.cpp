@@ -2,6 +2,7 @@
 
 #include "core/storage/byte_reader.h"
 
+#include <cerrno>
 #include <memory>
 
 namespace finora {
@@ -100,7 +101,7 @@ bool isRegularFile(const std::string& path, FileError& error)
     std::error_code ec;
     const auto status = std::filesystem::status(pathFromUtf8(path), ec);
     if (ec || !std::filesystem::exists(status)) {
-        error = FileError::NotFound;
+        error = fileErrorOf(ec ? ec.value() : ENOENT, path);
         return false;
     }
     // A folder, a device or a pipe is no ledger, and reading a pipe would wait for ever.
@@ -219,6 +220,10 @@ DocumentStorage::OpenResult DocumentStorage::refuseFile(const std::string& path,
         m_prompter.error(kCannotContinueText);
         m_host.exitProgram(0);
         return OpenResult::ConversionDeclined;
+    case ReadStatus::TooLarge:
+        m_lastFileError = FileError::TooLarge;
+        m_prompter.error(cannotOpenText(path, m_lastFileError));
+        return OpenResult::Unreadable;
     case ReadStatus::Corrupt:
     case ReadStatus::Ok: // never passed here: a file read whole is no refusal
         break;

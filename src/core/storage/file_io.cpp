@@ -5,6 +5,7 @@
 #include <bit>
 #include <cerrno>
 #include <cstring>
+#include <new>
 #include <system_error>
 #include <vector>
 
@@ -33,6 +34,8 @@ FileError fromErrno(int code)
     case EPERM:
     case EROFS:
         return FileError::AccessDenied;
+    case ENAMETOOLONG:
+        return FileError::NameTooLong;
     case ENOSPC:
 #ifdef EDQUOT
     case EDQUOT:
@@ -42,6 +45,12 @@ FileError fromErrno(int code)
     default:
         return FileError::Other;
     }
+}
+
+// A name that was not UTF-8 reaches us with its bad bytes replaced (U+FFFD), and so names no file.
+bool hasReplacementCharacter(std::string_view utf8)
+{
+    return utf8.find("\xEF\xBF\xBD") != std::string_view::npos;
 }
 
 bool setError(FileError* error, FileError value)
@@ -130,6 +139,25 @@ int createTemporary(const fs::path& temp, const struct stat* reference)
 
 } // namespace
 
+FileError fileErrorOf(int code, std::string_view utf8Path)
+{
+    const FileError error = fromErrno(code);
+    return error == FileError::NotFound && hasReplacementCharacter(utf8Path) ? FileError::BadName
+                                                                             : error;
+}
+
+std::uint64_t physicalMemoryBytes()
+{
+#if defined(_SC_PHYS_PAGES) && defined(_SC_PAGESIZE)
+    const long pages = ::sysconf(_SC_PHYS_PAGES);
+    const long pageSize = ::sysconf(_SC_PAGESIZE);
+    if (pages > 0 && pageSize > 0) {
+        return static_cast<std::uint64_t>(pages) * static_cast<std::uint64_t>(pageSize);
+    }
+#endif
+    return UINT64_MAX;
+}
+
 fs::path pathFromUtf8(std::string_view utf8)
 {
     return fs::path(std::u8string(utf8.begin(), utf8.end()));
@@ -157,6 +185,13 @@ std::string describe(FileError error)
         return "Нямате права за достъп до файла.";
     case FileError::NoSpace:
         return "Няма достатъчно място на диска.";
+    case FileError::NameTooLong:
+        return "Пътят или името на файла е по-дълго, отколкото системата позволява.";
+    case FileError::BadName:
+        return "Името на файла съдържа байтове, които не са текст в UTF-8, и не може да бъде "
+               "намерено.";
+    case FileError::TooLarge:
+        return "Файлът е твърде голям, за да се побере в паметта.";
     case FileError::Other:
         break;
     }
@@ -174,7 +209,7 @@ std::FILE* openFile(std::string_view utf8Path, const char* mode, FileError* erro
     std::FILE* file = std::fopen(path.c_str(), mode);
 #endif
     if (!file) {
-        setError(error, fromErrno(errno));
+        setError(error, fileErrorOf(errno, utf8Path));
     }
     return file;
 }
@@ -186,16 +221,25 @@ bool readWholeFile(std::string_view utf8Path, std::string& out, FileError* error
     const fs::path path = pathFromUtf8(utf8Path);
     const std::uintmax_t size = fs::file_size(path, ec);
     if (ec) {
-        return setError(error, fromErrno(ec.value()));
+        return setError(error, fileErrorOf(ec.value(), utf8Path));
     }
     if (size > maxBytes) {
         return setError(error, FileError::Other);
+    }
+    if (size > physicalMemoryBytes()) {
+        return setError(error, FileError::TooLarge);
     }
     std::FILE* file = openFile(utf8Path, "rb", error);
     if (!file) {
         return false;
     }
-    std::string bytes(static_cast<std::size_t>(size), '\0');
+    std::string bytes;
+    try {
+        bytes.resize(static_cast<std::size_t>(size));
+    } catch (const std::bad_alloc&) {
+        std::fclose(file);
+        return setError(error, FileError::TooLarge);
+    }
     const std::size_t got = std::fread(bytes.data(), 1, bytes.size(), file);
     std::fclose(file);
     if (got != bytes.size()) {

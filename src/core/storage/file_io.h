@@ -16,7 +16,24 @@ std::string pathToUtf8(const std::filesystem::path& path);
 // The file name and extension without the folder, as UTF-8.
 std::string fileNameOf(std::string_view utf8Path);
 
-enum class FileError { None, NotFound, AccessDenied, NoSpace, Other };
+// NameTooLong: longer than the system takes; BadName: a name that is not valid UTF-8 (the
+// system's name could not be decoded); TooLarge: more than memory can hold.
+enum class FileError {
+    None,
+    NotFound,
+    AccessDenied,
+    NoSpace,
+    NameTooLong,
+    BadName,
+    TooLarge,
+    Other
+};
+
+// The reason behind a failed call on `utf8Path`, from the system's error number.
+FileError fileErrorOf(int code, std::string_view utf8Path);
+
+// How many bytes of memory the machine has; the most a reader will try to hold.
+std::uint64_t physicalMemoryBytes();
 
 // A short Bulgarian sentence for the user.
 std::string describe(FileError error);

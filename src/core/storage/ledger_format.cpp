@@ -1,6 +1,9 @@
 #include "core/storage/ledger_format.h"
 
 #include "core/storage/byte_writer.h"
+#include "core/storage/file_io.h"
+
+#include <new>
 
 namespace finora {
 namespace {
@@ -15,6 +18,18 @@ bool plausible(std::int32_t count, std::uint64_t minBytes, const ByteReader& rea
 {
     return count <= 0 || static_cast<std::uint64_t>(count) * minBytes <= reader.remaining();
 }
+
+// A file can hold what memory cannot (a sparse one claims billions of records in little disk):
+// a count is also believed only as far as the machine's memory could keep that many records.
+bool fitsInMemory(std::int32_t count, std::uint64_t recordBytes)
+{
+    return count <= 0 || static_cast<std::uint64_t>(count) * recordBytes <= physicalMemoryBytes();
+}
+
+struct TooLargeForMemory {};
+
+ReadResult readLedgerUnguarded(ByteReader& r, Ledger& ledger,
+                               const std::function<bool(double)>& confirmConversion);
 
 bool readCurrency(ByteReader& r, Currency& out)
 {
@@ -76,6 +91,9 @@ bool readList(ByteReader& r, std::int32_t count, std::uint64_t minBytes, RecordL
 {
     if (!plausible(count, minBytes, r)) {
         return r.fail();
+    }
+    if (!fitsInMemory(count, sizeof(T))) {
+        throw TooLargeForMemory{};
     }
     list.reserve(count > 0 ? static_cast<std::size_t>(count) : 0);
     for (std::int32_t i = 0; i < count; ++i) {
@@ -162,6 +180,20 @@ std::string serializeLedger(const Ledger& ledger)
 ReadResult readLedger(ByteReader& r, Ledger& ledger,
                       const std::function<bool(double)>& confirmConversion)
 {
+    try {
+        return readLedgerUnguarded(r, ledger, confirmConversion);
+    } catch (const TooLargeForMemory&) {
+    } catch (const std::bad_alloc&) {
+    }
+    ledger = Ledger();
+    return {ReadStatus::TooLarge, 0.0};
+}
+
+namespace {
+
+ReadResult readLedgerUnguarded(ByteReader& r, Ledger& ledger,
+                               const std::function<bool(double)>& confirmConversion)
+{
     ReadResult result;
     if (!r.readDouble(result.version)) {
         return result;
@@ -208,5 +240,7 @@ ReadResult readLedger(ByteReader& r, Ledger& ledger,
     result.status = ReadStatus::Ok;
     return result;
 }
+
+} // namespace
 
 } // namespace finora

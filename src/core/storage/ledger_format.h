@@ -27,6 +27,7 @@ enum class ReadStatus {
     Corrupt, // ends early, or a length says more than remains
     Newer,   // made by a newer program
     ConversionDeclined,
+    TooLarge, // holds more records than memory can
 };
 
 struct ReadResult {

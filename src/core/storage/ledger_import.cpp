@@ -1,12 +1,14 @@
 #include "core/storage/ledger_import.h"
 
 #include "core/storage/byte_reader.h"
+#include "core/storage/file_io.h"
 #include "core/storage/ledger_format.h"
 #include "core/text/cp1251.h"
 
 #include <algorithm>
 #include <bit>
 #include <cmath>
+#include <new>
 #include <unordered_map>
 #include <vector>
 
@@ -168,25 +170,72 @@ std::string importCategoryName(const DateTime& now)
            std::to_string(p.second);
 }
 
+ImportResult mergeInto(CFinoraDoc& doc, const Ledger& other, Prompter& prompter);
+
 } // namespace
 
 ImportResult importLedger(CFinoraDoc& doc, std::string_view bytes, Prompter& prompter)
 {
+    ByteReader reader(bytes);
+    return importLedger(doc, reader, prompter);
+}
+
+ImportResult importLedgerFile(CFinoraDoc& doc, const std::string& utf8Path, Prompter& prompter)
+{
+    FileError error = FileError::None;
+    std::FILE* file = openFile(utf8Path, "rb", &error);
+    if (file) {
+        FileByteSource source(file);
+        ByteReader reader(source, statFile(utf8Path).size);
+        ImportResult result = importLedger(doc, reader, prompter);
+        std::fclose(file);
+        return result;
+    }
+    ImportResult refused;
+    refused.message = "Файлът „" + utf8Path + "“ не може да бъде отворен.\n" + describe(error);
+    prompter.error(refused.message);
+    return refused;
+}
+
+ImportResult importLedger(CFinoraDoc& doc, ByteReader& reader, Prompter& prompter)
+{
     ImportResult result;
     Ledger other;
-    ByteReader reader(bytes);
     const ReadResult read = readLedger(reader, other, [](double) { return true; });
     if (read.status != ReadStatus::Ok) {
         result.status = read.status == ReadStatus::Newer ? ImportResult::Status::Newer
                                                          : ImportResult::Status::Unreadable;
-        result.message =
-            read.status == ReadStatus::Newer
-                ? "Файлът е създаден от по-нова версия на Finora и не може да бъде "
-                  "импортиран."
-                : "Файлът не е документ на Finora или е повреден; нищо не е импортирано.";
+        switch (read.status) {
+        case ReadStatus::Newer:
+            result.message = "Файлът е създаден от по-нова версия на Finora и не може да бъде "
+                             "импортиран.";
+            break;
+        case ReadStatus::TooLarge:
+            result.message = describe(FileError::TooLarge) + " Нищо не е импортирано.";
+            break;
+        default:
+            result.message =
+                "Файлът не е документ на Finora или е повреден; нищо не е импортирано.";
+        }
         prompter.error(result.message);
         return result;
     }
+    try {
+        return mergeInto(doc, other, prompter);
+    } catch (const std::bad_alloc&) {
+        // Everything that grows with the import is reserved before the first change, so this
+        // comes before the open ledger was touched.
+        result.message = describe(FileError::TooLarge) + " Нищо не е импортирано.";
+        prompter.error(result.message);
+        return result;
+    }
+}
+
+namespace {
+
+ImportResult mergeInto(CFinoraDoc& doc, const Ledger& other, Prompter& prompter)
+{
+    ImportResult result;
 
     // Every imported category needs its place in the open ledger; one that is missing, or an
     // operation filed under no known category, sends the whole import into a new category.
@@ -292,5 +341,7 @@ ImportResult importLedger(CFinoraDoc& doc, std::string_view bytes, Prompter& pro
     prompter.inform(result.message, "Резултат");
     return result;
 }
+
+} // namespace
 
 } // namespace finora

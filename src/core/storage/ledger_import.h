@@ -2,6 +2,7 @@
 
 #include "core/model/finora_doc.h"
 #include "core/model/prompter.h"
+#include "core/storage/byte_reader.h"
 
 #include <optional>
 #include <string>
@@ -25,6 +26,11 @@ struct ImportResult {
 // The messages go through the prompter. Older formats are read without asking; the file on
 // disk is not changed.
 ImportResult importLedger(CFinoraDoc& doc, std::string_view otherFileBytes, Prompter& prompter);
+// The same from a reader, which may stream the other file.
+ImportResult importLedger(CFinoraDoc& doc, ByteReader& other, Prompter& prompter);
+// The same from the file at `utf8Path`, streamed, so that its size costs no second copy in
+// memory. A file that cannot be read, or is too large to hold, leaves the document as it was.
+ImportResult importLedgerFile(CFinoraDoc& doc, const std::string& utf8Path, Prompter& prompter);
 
 inline constexpr const char* kImportMismatchCaption = "Несъвпадение";
 inline constexpr const char* kImportMismatchText =

@@ -130,16 +130,7 @@ void CMainFrame::importLedgerFile()
     if (!path) {
         return;
     }
-    std::string bytes;
-    FileError error = FileError::None;
-    if (!readWholeFile(*path, bytes, &error)) {
-        m_prompter.error(
-            tr("Файлът „%1“ не може да бъде отворен.\n%2")
-                .arg(QString::fromStdString(*path), QString::fromStdString(describe(error)))
-                .toStdString());
-        return;
-    }
-    importLedger(m_doc, bytes, m_prompter);
+    finora::importLedgerFile(m_doc, *path, m_prompter);
     m_view->filterPanel().showCriteria();
     m_view->refresh();
 }

@@ -1,9 +1,11 @@
 // What a save does to the files around a ledger: links, temporary files, modes, owners, long
 // names and full disks. Each case is one a user met: the ledger must never be lost or exposed.
 #include "core/demo/ledger_generator.h"
+#include "core/storage/ledger_import.h"
 #include "support/small_disk.h"
 #include "support/storage_fixture.h"
 
+#include <cstring>
 #include <set>
 
 #ifndef _WIN32
@@ -334,5 +336,37 @@ TEST(FullDisk, TheLedgerIsWrittenBeforeItsBackupTakesTheRoom)
     backups.waitIdle();
     EXPECT_EQ(readFile(file), serializeLedger(doc.ledger()));
     EXPECT_EQ(readFile(file + ".bak"), serializeLedger(doc.ledger()));
+}
+#endif
+
+#ifndef _WIN32
+// A sparse file that claims 2^31-1 operations occupies little disk but cannot be held: each
+// route that reads a ledger says so and leaves the open ledger as it was.
+TEST_F(StorageTest, AFileClaimingMoreRecordsThanMemoryHoldsIsRefusedOnEveryRoute)
+{
+    Ledger header;
+    std::string bytes = serializeLedger(header);
+    const std::int32_t claimed = 0x7FFFFFFF;
+    std::memcpy(bytes.data() + 8 + 1 + 8, &claimed, 4); // the operation count
+    const std::string sparse = path("огромен.fnr");
+    writeBytes(sparse, bytes);
+    ASSERT_EQ(::truncate(sparse.c_str(), 142LL << 30), 0);
+
+    const std::string mine = path("мой.fnr");
+    writeBytes(mine, ledgerBytes(20, 1));
+    ASSERT_EQ(storage.open(mine), DocumentStorage::OpenResult::Opened);
+    ASSERT_TRUE(doc.addCategory("незаписана", 0));
+    const std::string unsaved = serializeLedger(doc.ledger());
+
+    const ImportResult imported = importLedgerFile(doc, sparse, prompter);
+    EXPECT_EQ(imported.status, ImportResult::Status::Unreadable);
+    EXPECT_EQ(serializeLedger(doc.ledger()), unsaved);
+    EXPECT_TRUE(doc.isModified());
+    EXPECT_EQ(lastMessage().icon, MessageIcon::Error);
+
+    EXPECT_EQ(storage.open(sparse), DocumentStorage::OpenResult::Unreadable);
+    EXPECT_EQ(storage.lastFileError(), FileError::TooLarge);
+    EXPECT_NE(lastMessage().text.find(describe(FileError::TooLarge)), std::string::npos);
+    EXPECT_EQ(doc.operationCount(), 0u);
 }
 #endif
