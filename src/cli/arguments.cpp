@@ -81,9 +81,14 @@ std::string oneLine(std::string text)
 Arguments parse(const std::vector<std::string>& args)
 {
     Arguments a;
+    bool optionsEnded = false;
     for (std::size_t i = 0; i < args.size(); ++i) {
         std::string arg = args[i];
-        if (arg.size() < 2 || arg[0] != '-') {
+        if (!optionsEnded && arg == "--") {
+            optionsEnded = true; // what follows is a name, even "-x.fnr"
+            continue;
+        }
+        if (optionsEnded || arg.size() < 2 || arg[0] != '-') {
             a.positional.push_back(arg);
             continue;
         }

@@ -67,7 +67,8 @@ void printHelp(std::ostream& out)
            "Изходен код: 0 успех, 1 грешна употреба, 2 файлът не може да бъде прочетен,\n"
            "3 файлът е от по-нова версия, 4 документът е защитен, 5 файлът не може да бъде "
            "записан,\n"
-           "6 документът е отворен във Finora.\n";
+           "6 документът е отворен във Finora, 7 документът е записан, но резервното му копие - "
+           "не.\n";
 }
 
 } // namespace
@@ -95,7 +96,13 @@ int run(const std::vector<std::string>& argv, std::ostream& out, std::ostream& e
             throw Failure{kUsage, "употреба: finora-cli " + std::string(command->usage)};
         }
         Session session(args, userSettings, renderer);
-        return command->run(session, out);
+        const int status = command->run(session, out);
+        // The ledger is written; its backup failing is said, and told apart by its own status.
+        if (const auto failures = session.backupFailures(); status == kOk && !failures.empty()) {
+            err << "finora-cli: " << oneLine(backupFailedText(failures.back())) << '\n';
+            return kBackupNotWritten;
+        }
+        return status;
     } catch (const Failure& f) {
         err << "finora-cli: " << f.message << '\n';
         return f.status;

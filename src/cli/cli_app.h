@@ -21,6 +21,7 @@ enum ExitStatus : int {
     kLocked = 4,
     kNotWritten = 5,
     kHeld = 6, // the ledger is open in the desktop program (its lock file); --force overrides
+    kBackupNotWritten = 7, // the ledger was written, its backup was not
 };
 
 // "report" and "chart" paint with Qt, which this library stays free of: finora-cli hands in a

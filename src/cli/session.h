@@ -13,6 +13,7 @@
 #include "core/storage/ledger_lock.h"
 
 #include <string>
+#include <vector>
 
 namespace finora::cli {
 
@@ -48,6 +49,8 @@ public:
     void unlockWithPassword(CFinoraDoc::LockCheck mode);
     // Writes the ledger and waits for its backup.
     void save(const std::string& path);
+    // The backups of this command's saves that could not be written.
+    std::vector<BackupFailure> backupFailures() { return m_backups.takeFailures(); }
 
 private:
     // The exit status and the line for the user, from what the storage says went wrong.

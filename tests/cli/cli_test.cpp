@@ -114,6 +114,25 @@ TEST_F(CliTest, EveryFailedOpenOrSaveHasItsStatusAndItsOwnLine)
     EXPECT_EQ(r.err, "finora-cli: Файлът „" + missing +
                          "“ не може да бъде отворен. Файлът или папката не съществуват.\n");
 
+    // Names the system cannot take say why, apart from a file that is not there.
+    const std::string tooLong = path(std::string(300, 'a') + ".fnr");
+    const std::string undecodable = path("\xEF\xBF\xBD.fnr"); // a name that was not UTF-8
+    for (const auto& [name, reason] : {std::pair{tooLong, FileError::NameTooLong},
+                                       std::pair{undecodable, FileError::BadName}}) {
+        SCOPED_TRACE(name);
+        r = run({"info", name});
+        EXPECT_EQ(r.status, cli::kUnreadable);
+        EXPECT_NE(r.err.find(describe(reason)), std::string::npos) << r.err;
+    }
+
+    // "--" ends the options, so a ledger may be named "-x.fnr".
+    const fs::path before = fs::current_path();
+    fs::current_path(dir);
+    r = run({"new", "--", "-x.fnr"});
+    fs::current_path(before);
+    EXPECT_EQ(r.status, 0) << r.err;
+    EXPECT_TRUE(fs::exists(dir / "-x.fnr"));
+
     const std::string folder = path("папка.fnr");
     fs::create_directories(pathFromUtf8(folder));
     r = run({"list", folder});
@@ -204,8 +223,12 @@ TEST_F(CliTest, TheUsersOptionsAreReadButNeverWritten)
     settings.writeText("Settings", "BackupDir", pathToUtf8(dir / "nowhere") + "/");
     const std::size_t writes = settings.writeCount();
     const std::string file = path("a.fnr");
-    ASSERT_EQ(run({"new", file}).status, 0);
-    EXPECT_FALSE(fs::exists(file + ".bak")); // BackupDir was honoured
+    // BackupDir was honoured: the ledger is written, and its backup's failure is said apart.
+    const CliResult made = run({"new", file});
+    EXPECT_EQ(made.status, cli::kBackupNotWritten);
+    EXPECT_NE(made.err.find("nowhere/a.fnr.bak"), std::string::npos) << made.err;
+    EXPECT_TRUE(fs::exists(file));
+    EXPECT_FALSE(fs::exists(file + ".bak"));
     EXPECT_EQ(run({"info", file}).status, 0);
     EXPECT_EQ(settings.writeCount(), writes);
     EXPECT_FALSE(settings.contains("Settings", "LastFileUsed"));

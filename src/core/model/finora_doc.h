@@ -88,6 +88,9 @@ public:
     void setModified(bool modified) { m_modified = modified; }
     const std::string& path() const { return m_path; }
     void setPath(std::string path) { m_path = std::move(path); }
+    // Opened while another program holds the file: every change is refused as it is asked for.
+    bool isReadOnly() const { return m_readOnly; }
+    void setReadOnly(bool readOnly) { m_readOnly = readOnly; }
 
     // --- the password lock
     const std::string& lockText() const { return m_ledger.lockText; }
@@ -153,6 +156,7 @@ private:
     bool m_modified = false;
     std::uint64_t m_recordsRevision = 0;
     std::int32_t m_unlocked = 0;
+    bool m_readOnly = false;
     ChangeHandler m_onChange;
     int m_batchDepth = 0;
     bool m_changePending = false;

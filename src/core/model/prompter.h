@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 
 namespace finora {
@@ -16,6 +17,8 @@ struct Message {
     std::string text;
     MessageIcon icon = MessageIcon::None;
     MessageButtons buttons = MessageButtons::Ok;
+    // The button Enter presses; without one, the first (Yes or OK).
+    std::optional<Answer> defaultButton;
 
     bool operator==(const Message&) const = default;
 };

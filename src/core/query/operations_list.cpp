@@ -129,6 +129,22 @@ std::string OperationsList::cellText(std::size_t row, int column) const
     return cellText(m_rows[row], column);
 }
 
+std::string OperationsList::shownText(std::size_t row, int column) const
+{
+    const Operation& op = *m_rows[row].op;
+    const std::string* text = column == kColDescription ? &op.description()
+                              : column == kColNotes     ? &op.notes()
+                                                        : nullptr;
+    if (!text) {
+        return cellText(row, column);
+    }
+    if (text->size() <= kShownTextBytes) {
+        return *text;
+    }
+    // Windows-1251 has one byte a character, so any cut is between characters.
+    return text->substr(0, kShownTextBytes) + "\x85"; // "…"
+}
+
 std::string OperationsList::cellText(const Row& r, int column) const
 {
     const Operation& op = *r.op;
@@ -363,7 +379,8 @@ bool OperationsList::deleteSelected()
 bool OperationsList::setSelectedPaid()
 {
     // Deliberately no lock test: the rows of a locked ledger are empty anyway.
-    if (m_prompter.askYesNo(kPaidQuestion, kConfirmCaption, MessageIcon::Question) != Answer::Yes) {
+    if (refuseWhenReadOnly(m_doc, m_prompter) ||
+        m_prompter.askYesNo(kPaidQuestion, kConfirmCaption, MessageIcon::Question) != Answer::Yes) {
         return false;
     }
     std::vector<std::pair<std::size_t, std::int32_t>> toMark;

@@ -90,6 +90,10 @@ public:
     bool isCurrent() const { return m_revision == m_doc.recordsRevision(); }
     // Windows-1251.
     std::string cellText(std::size_t row, int column) const;
+    // What a list shows of a cell: a long text is cut to its first kShownTextBytes bytes and
+    // ends in "…", so laying out one row never costs more than that; the record keeps it whole.
+    std::string shownText(std::size_t row, int column) const;
+    static constexpr std::size_t kShownTextBytes = 1024;
     std::int32_t rowId(std::size_t row) const { return m_rows[row].op->id(); }
     bool isSelected(std::size_t row) const { return m_rows[row].selected; }
     void setSelected(std::size_t row, bool selected) { m_rows[row].selected = selected; }

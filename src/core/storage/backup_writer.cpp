@@ -1,8 +1,7 @@
 #include "core/storage/backup_writer.h"
 
-#include "core/storage/file_io.h"
-
 #include <algorithm>
+#include <utility>
 
 namespace finora {
 
@@ -37,6 +36,18 @@ void BackupWriter::submit(std::string path, std::shared_ptr<const std::string> b
     m_wake.notify_one();
 }
 
+std::string backupFailedText(const BackupFailure& failure)
+{
+    return "Документът е записан, но резервното му копие „" + failure.path +
+           "“ не може да бъде записано.\n" + describe(failure.error);
+}
+
+std::vector<BackupFailure> BackupWriter::takeFailures()
+{
+    std::lock_guard lock(m_mutex);
+    return std::exchange(m_failures, {});
+}
+
 void BackupWriter::waitIdle()
 {
     std::unique_lock lock(m_mutex);
@@ -59,8 +70,15 @@ void BackupWriter::run()
         if (!job.ledgerPath.empty()) {
             options.permissionsFrom = pathFromUtf8(job.ledgerPath);
         }
-        writeFileAtomically(job.path, *job.bytes, nullptr, options);
+        FileError error = FileError::None;
+        const bool written = writeFileAtomically(job.path, *job.bytes, &error, options);
+        if (!written && m_onFailure) {
+            m_onFailure({job.path, error});
+        }
         lock.lock();
+        if (!written) {
+            m_failures.push_back({std::move(job.path), error});
+        }
         m_busy = false;
         if (m_jobs.empty()) {
             m_idle.notify_all();

@@ -32,6 +32,17 @@ std::string DocumentStorage::heldByOtherText(const std::string& path, const Lock
            ".\n\nЖелаете ли да го отворите само за четене?";
 }
 
+std::string DocumentStorage::staleLockText(const std::string& path, const LockOwner& owner)
+{
+    return "Документът „" + path + "“ е отворен от " + describeOwner(owner) +
+           ".\n\nОттук не може да се провери дали тази програма още работи. Ако сте сигурни, "
+           "че не работи (компютърът е изключен или тя е спряла), заключването може да бъде "
+           "премахнато.\n\n"
+           "Да – премахване на заключването и отваряне за промени\n"
+           "Не – отваряне само за четене\n"
+           "Отказ – без отваряне";
+}
+
 std::string DocumentStorage::readOnlyDocumentText(const std::string& path)
 {
     return "Документът „" + path +
@@ -142,6 +153,7 @@ void DocumentStorage::closeDocument()
     m_doc.setModified(false);
     m_lock.release();
     m_readOnly = false;
+    m_doc.setReadOnly(false);
     m_diskState.reset();
 }
 
@@ -158,11 +170,18 @@ DocumentStorage::OpenResult DocumentStorage::open(const std::string& path)
         }
         if (lock.acquire(path, m_lockProgram, m_doc.clock().now()) ==
             LedgerLock::Result::HeldByOther) {
-            if (m_prompter.askYesNo(heldByOtherText(path, lock.holder()), kLockedCaption,
-                                    MessageIcon::Warning) != Answer::Yes) {
+            switch (askAboutHolder(path, lock.holder())) {
+            case Answer::Yes:
+                heldElsewhere = !LedgerLock::breakLock(path, lock.holder()) ||
+                                lock.acquire(path, m_lockProgram, m_doc.clock().now()) !=
+                                    LedgerLock::Result::Acquired;
+                break;
+            case Answer::No:
+                heldElsewhere = true;
+                break;
+            default:
                 return OpenResult::Cancelled;
             }
-            heldElsewhere = true;
         }
     }
 
@@ -203,10 +222,27 @@ DocumentStorage::OpenResult DocumentStorage::open(const std::string& path)
     m_doc.setModified(false);
     m_lock = std::move(lock);
     m_readOnly = heldElsewhere || isReadOnlyFile(path);
+    // Only a ledger another program holds refuses changes as they are made; a write-protected
+    // file may still be changed and saved under another name.
+    m_doc.setReadOnly(heldElsewhere);
     m_diskState = before;
     m_diskState->hash = hash.value();
     m_settings.setText(TextSetting::LastFileUsed, path);
     return OpenResult::Opened;
+}
+
+Answer DocumentStorage::askAboutHolder(const std::string& path, const LockOwner& holder)
+{
+    if (!LedgerLock::mayBeGone(holder)) {
+        // A program on this machine that still runs: read-only or nothing.
+        return m_prompter.askYesNo(heldByOtherText(path, holder), kLockedCaption,
+                                   MessageIcon::Warning) == Answer::Yes
+                   ? Answer::No
+                   : Answer::Cancel;
+    }
+    // Enter opens it read-only, which takes nothing from anybody.
+    return m_prompter.show({kLockedCaption, staleLockText(path, holder), MessageIcon::Warning,
+                            MessageButtons::YesNoCancel, Answer::No});
 }
 
 DocumentStorage::OpenResult DocumentStorage::refuseFile(const std::string& path, ReadStatus status)
@@ -286,8 +322,10 @@ bool DocumentStorage::save(const std::string& path)
         case ChangedOnDisk::Refuse:
             return fail(SaveFailure::ChangedOnDisk);
         case ChangedOnDisk::Ask:
-            switch (m_prompter.askYesNoCancel(changedOnDiskText(path), kChangedCaption,
-                                              MessageIcon::Warning)) {
+            // Enter takes the choice that loses nothing: theirs stays, ours goes elsewhere.
+            switch (m_prompter.show({kChangedCaption, changedOnDiskText(path),
+                                     MessageIcon::Warning, MessageButtons::YesNoCancel,
+                                     Answer::No})) {
             case Answer::Yes:
                 break;
             case Answer::No:
@@ -320,6 +358,7 @@ bool DocumentStorage::save(const std::string& path)
     if (!ownFile) {
         m_lock = std::move(newLock);
         m_readOnly = false;
+        m_doc.setReadOnly(false);
     }
     m_diskState = statFile(path);
     ContentHash hash;

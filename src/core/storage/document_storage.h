@@ -94,6 +94,7 @@ public:
 
     // The messages that name a file or a person.
     static std::string heldByOtherText(const std::string& path, const LockOwner& owner);
+    static std::string staleLockText(const std::string& path, const LockOwner& owner);
     static std::string readOnlyDocumentText(const std::string& path);
     static std::string readOnlyFileText(const std::string& path);
     static std::string changedOnDiskText(const std::string& path);
@@ -108,6 +109,9 @@ private:
         m_lastFailure = why;
         return false;
     }
+    // Who holds the ledger, asked before an open: Yes breaks a lock whose holder may be gone,
+    // No opens read-only, Cancel leaves everything as it was.
+    Answer askAboutHolder(const std::string& path, const LockOwner& holder);
     // Says why the file was not read into the document, and ends the program where the version
     // rules say so.
     OpenResult refuseFile(const std::string& path, ReadStatus status);

@@ -454,6 +454,23 @@ std::optional<LockOwner> LedgerLock::liveHolder(const std::string& ledgerPath)
     return std::nullopt;
 }
 
+bool LedgerLock::mayBeGone(const LockOwner& holder)
+{
+    return holder.unreadable || holder.host != currentHost();
+}
+
+bool LedgerLock::breakLock(const std::string& ledgerPath, const LockOwner& holder)
+{
+    const fs::path lockPath = lockPathFor(ledgerPath);
+    std::string text;
+    const LockRead read = readLock(lockPath, text);
+    const auto owner = read == LockRead::Text ? parseLockFile(text) : std::nullopt;
+    const bool same = holder.unreadable ? read == LockRead::Unreadable
+                                        : owner && owner->token == holder.token;
+    std::error_code ec;
+    return same && fs::remove(lockPath, ec);
+}
+
 LedgerLock::Result LedgerLock::acquire(const std::string& ledgerPath, std::string_view program,
                                        const DateTime& now)
 {

@@ -70,6 +70,11 @@ public:
     static std::filesystem::path lockPathFor(const std::string& ledgerPath);
     // The live holder of a ledger's lock, if any.
     static std::optional<LockOwner> liveHolder(const std::string& ledgerPath);
+    // True when this machine cannot tell whether the holder still runs: another machine's
+    // program, or a lock that cannot be read. Only the user can say it is gone.
+    static bool mayBeGone(const LockOwner& holder);
+    // Removes the lock of `holder`, if it is still that holder's; true when it was removed.
+    static bool breakLock(const std::string& ledgerPath, const LockOwner& holder);
 
 private:
     std::filesystem::path m_lockPath;

@@ -50,6 +50,22 @@ Answer QtPrompter::show(const Message& message)
             b->setText(tr(text));
         }
     }
+    if (message.defaultButton) {
+        switch (*message.defaultButton) {
+        case Answer::Yes:
+            box.setDefaultButton(QMessageBox::Yes);
+            break;
+        case Answer::No:
+            box.setDefaultButton(QMessageBox::No);
+            break;
+        case Answer::Cancel:
+            box.setDefaultButton(QMessageBox::Cancel);
+            break;
+        case Answer::Ok:
+            box.setDefaultButton(QMessageBox::Ok);
+            break;
+        }
+    }
     switch (box.exec()) {
     case QMessageBox::Yes:
         return Answer::Yes;

@@ -108,12 +108,22 @@ void CFinoraView::showListState()
     m_balance->setText(qt(t.balanceText()));
 
     m_syncing = true;
+    // One range per run of selected rows, not one per row: the views ask the selection about
+    // every visible cell, and a hundred thousand ranges made each question slow.
     QItemSelection selection;
-    for (std::size_t r = 0; r < m_list.rowCount(); ++r) {
-        if (m_list.isSelected(r)) {
-            const int row = static_cast<int>(r);
-            selection.select(m_model.index(row, 0), m_model.index(row, kListColumnCount - 1));
+    const std::size_t rows = m_list.rowCount();
+    for (std::size_t r = 0; r < rows;) {
+        if (!m_list.isSelected(r)) {
+            ++r;
+            continue;
         }
+        std::size_t end = r;
+        while (end + 1 < rows && m_list.isSelected(end + 1)) {
+            ++end;
+        }
+        selection.select(m_model.index(static_cast<int>(r), 0),
+                         m_model.index(static_cast<int>(end), kListColumnCount - 1));
+        r = end + 1;
     }
     m_table->selectionModel()->select(selection, QItemSelectionModel::ClearAndSelect);
     if (m_list.currentRow() >= 0) {
@@ -133,9 +143,11 @@ void CFinoraView::takeSelectionFromTable()
     for (std::size_t r = 0; r < m_list.rowCount(); ++r) {
         m_list.setSelected(r, false);
     }
-    const QModelIndexList rows = m_table->selectionModel()->selectedRows();
-    for (const QModelIndex& index : rows) {
-        m_list.setSelected(static_cast<std::size_t>(index.row()), true);
+    // By ranges: listing the selected rows one by one costs a search of the ranges each.
+    for (const QItemSelectionRange& range : m_table->selectionModel()->selection()) {
+        for (int row = range.top(); row <= range.bottom(); ++row) {
+            m_list.setSelected(static_cast<std::size_t>(row), true);
+        }
     }
     Q_EMIT listChanged();
 }

@@ -43,6 +43,17 @@ CMainFrame::CMainFrame(SettingsStore& store, Prompter& prompter, DocumentHost& h
     setObjectName(QStringLiteral("mainFrame"));
     setCentralWidget(m_view);
     m_storage.setLockProgram(std::string(kDesktopProgram));
+    // The writer's thread reports; the warning is shown on this one, once a session.
+    m_backups.setFailureHandler([this](const BackupFailure& failure) {
+        QMetaObject::invokeMethod(
+            this,
+            [this, failure] {
+                if (!std::exchange(m_backupWarned, true)) {
+                    m_prompter.warn(backupFailedText(failure), tr("Резервно копие").toStdString());
+                }
+            },
+            Qt::QueuedConnection);
+    });
     m_doc.setHistoryLimit(kUndoSteps);
     m_storage.attach();
     createActions();

@@ -201,6 +201,7 @@ private:
     std::bitset<kCommandCount> m_handled; // the commands connected to what they run
     QMenu* m_recentMenu = nullptr;
     ReportPrinter m_report;
+    bool m_backupWarned = false; // a failed backup is told once a session
 };
 
 } // namespace finora

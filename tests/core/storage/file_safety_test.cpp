@@ -299,9 +299,15 @@ TEST(FullDisk, ABackupThatDoesNotFitLeavesThePreviousOneWhole)
 
     writeBytes(disk.path() / "filler", std::string(140 * 1024, 'x'));
     const std::string second = ledgerBytes(1200, 2); // about 96 KB: does not fit beside the first
+    EXPECT_TRUE(writer.takeFailures().empty());
     writer.submit(pathToUtf8(backup), std::make_shared<const std::string>(second));
     writer.waitIdle();
     EXPECT_EQ(readFile(backup), first);
+    // Not a silent loss: the failure is kept to be told, with its reason.
+    const auto failures = writer.takeFailures();
+    ASSERT_EQ(failures.size(), 1u);
+    EXPECT_EQ(failures[0].path, pathToUtf8(backup));
+    EXPECT_EQ(failures[0].error, FileError::NoSpace);
     EXPECT_EQ(namesIn(disk.path()), (std::set<std::string>{"filler", "дом.fnr.bak"}));
 }
 

@@ -149,7 +149,7 @@ TEST_F(StorageTest, AFileChangedByAnotherWriterIsNotSavedOverWithoutAsking)
     EXPECT_FALSE(storage.saveCommand());
     EXPECT_EQ(lastMessage(),
               (Message{DocumentStorage::kChangedCaption, DocumentStorage::changedOnDiskText(file),
-                       MessageIcon::Warning, MessageButtons::YesNoCancel}));
+                       MessageIcon::Warning, MessageButtons::YesNoCancel, Answer::No}));
     EXPECT_EQ(readFile(file), theirBytes);
     EXPECT_TRUE(doc.isModified());
     EXPECT_EQ(storage.lastSaveFailure(), DocumentStorage::SaveFailure::Cancelled);
