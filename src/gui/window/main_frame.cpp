@@ -357,7 +357,7 @@ void CMainFrame::showYearlyChart()
     }
     DateTimeParts today;
     m_doc.clock().now().toParts(today);
-    YearlyChartDialog dialog(m_doc, today.year, m_prompter, this);
+    YearlyChartDialog dialog(m_doc, today.year, m_prompter, m_settings.mainMoney(), this);
     dialog.exec();
 }
 
