@@ -34,6 +34,9 @@ const std::string& allCurrenciesItem();
 // The same item as the user sees it in a money mode; in euro mode it names the euro. Only for
 // showing: the criteria keep the item above in every mode.
 const std::string& allCurrenciesItem(MainMoney money);
+// The currency selector's text as the criteria keep it: either form of the all-currencies item is
+// the one above, an empty choice the main currency alone, anything else the code itself.
+std::string currencyChoice(const std::string& shown);
 
 // "Без филтър": every category, from the earliest to the latest of now and every entry's date,
 // income and expense, all currencies, paid or not.

@@ -265,12 +265,8 @@ void FilterPanel::takeValues()
             m_criteria.paidState = i;
         }
     }
-    const QString currency = m_currency->currentText();
-    // An empty choice means the main currency alone, not all of them.
-    m_criteria.currency = currency.isEmpty() ? std::string(kMainCurrencyName)
-                          : m_currency->currentIndex() == 0
-                              ? allCurrenciesItem()
-                              : cp1251::fromUtf8OrThrow(currency.toStdString());
+    m_criteria.currency =
+        currencyChoice(cp1251::fromUtf8OrThrow(m_currency->currentText().toStdString()));
 }
 
 void FilterPanel::changed()
