@@ -243,6 +243,23 @@ void BM_RefreshNoFilter(benchmark::State& state)
     }
 }
 
+// A refresh as the window shows it, with main-currency figures in leva (0) or in euro (1): the
+// rows, the three totals and a screenful of main-currency cells.
+void BM_RefreshShownInMoney(benchmark::State& state)
+{
+    Window w(state.range(0));
+    w.settings.setValue(IntSetting::EuroDisplay, static_cast<int>(state.range(1)));
+    for (auto _ : state) {
+        w.list.refresh();
+        const ListTotals& t = w.list.totals();
+        std::size_t shown = t.incomeText().size() + t.expenseText().size() + t.balanceText().size();
+        for (std::size_t r = 0; r < std::min<std::size_t>(50, w.list.rowCount()); ++r) {
+            shown += w.list.cellText(r, kColAmountBgl).size();
+        }
+        benchmark::DoNotOptimize(shown);
+    }
+}
+
 void BM_RefreshCategoryWithSubcategories(benchmark::State& state)
 {
     Window w(state.range(0));
@@ -428,6 +445,11 @@ BENCHMARK(BM_Open)->Apply(sizes);
 BENCHMARK(BM_SaveWithBackup)->Apply(sizes);
 BENCHMARK(BM_RefreshNoFilter)->Apply(sizes);
 BENCHMARK(BM_RefreshCategoryWithSubcategories)->Apply(sizes);
+BENCHMARK(BM_RefreshShownInMoney)
+    ->ArgsProduct({{100'000, 1'000'000}, {0, 1}})
+    ->ArgNames({"operations", "euro"})
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime();
 BENCHMARK(BM_WordSearchDescriptionAndNotes)->Apply(sizes);
 BENCHMARK(BM_AmountFilter)->Apply(sizes);
 BENCHMARK(BM_CashSummaryOfEveryCurrency)->Apply(sizes);

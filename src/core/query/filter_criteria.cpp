@@ -1,5 +1,6 @@
 #include "core/query/filter_criteria.h"
 
+#include "core/model/currency.h"
 #include "core/model/finora_doc.h"
 #include "core/text/cp1251.h"
 
@@ -11,6 +12,20 @@ const std::string& allCurrenciesItem()
 {
     static const std::string item = cp1251::fromUtf8OrThrow(":: ВСИЧКИ ВАЛУТИ В BGL ::");
     return item;
+}
+
+const std::string& allCurrenciesItem(MainMoney money)
+{
+    static const std::string euro = cp1251::fromUtf8OrThrow(":: ВСИЧКИ ВАЛУТИ В EUR ::");
+    return money == MainMoney::Euro ? euro : allCurrenciesItem();
+}
+
+std::string currencyChoice(const std::string& shown)
+{
+    if (shown.empty()) {
+        return std::string(kMainCurrencyName);
+    }
+    return shown == allCurrenciesItem(MainMoney::Euro) ? allCurrenciesItem() : shown;
 }
 
 bool FilterCriteria::allCurrencies() const

@@ -254,7 +254,8 @@ TEST_F(OperationEditorTest, TheFieldsRecomputeFromTheOneBeingTyped)
 
     type(e, EntryField::Amount, "12");
     EXPECT_EQ(e.valueText(), "12.00");
-    e.selectCurrency("EUR"); // suggestion off by default
+    e.setDate(DateTime::fromParts(1998, 12, 31)); // before the peg the euro has no fixed rate
+    e.selectCurrency("EUR");                      // suggestion off by default
     EXPECT_FALSE(e.rateAndValueReadOnly());
     e.focusIn(EntryField::Value);
     e.setText(EntryField::Value, "24");

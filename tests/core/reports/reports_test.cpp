@@ -17,7 +17,7 @@ protected:
     ReportsTest() : doc(clock), settings(store)
     {
         doc.addCurrency("USD"); // 1: bought and sold
-        doc.addCurrency("EUR"); // 2: only unpaid
+        doc.addCurrency("CHF"); // 2: only unpaid
         doc.addCurrency("GBP"); // 3: unused
         doc.addCurrency("AUD"); // 4: bought twice
     }
@@ -62,8 +62,8 @@ TEST_F(ReportsTest, CashRowsForEachKindOfCurrency)
     // Bought and sold alike: nothing in stock, no rate, but the turnover shows.
     EXPECT_EQ(row("USD"), (std::vector<std::string>{"1", "USD", "0.00", "0.00", "n/a", "2",
                                                     "100.00", "100.00"}));
-    EXPECT_EQ(row("EUR"),
-              (std::vector<std::string>{"2", "EUR", "0.00", "0.00", "n/a", "1", "0.00", "0.00"}));
+    EXPECT_EQ(row("CHF"),
+              (std::vector<std::string>{"2", "CHF", "0.00", "0.00", "n/a", "1", "0.00", "0.00"}));
     EXPECT_EQ(row("GBP"),
               (std::vector<std::string>{"3", "GBP", "0.00", "0.00", "n/a", "0", "0.00", "0.00"}));
     // Stock 15 valued at the rate of all paid movements: 31 / 25 = 1.24, not 19 / 15.
@@ -75,7 +75,7 @@ TEST_F(ReportsTest, CashRowsForEachKindOfCurrency)
     for (const CashRow& r : rows) {
         order.push_back(r[1]);
     }
-    EXPECT_EQ(order, (std::vector<std::string>{"AUD", "BGL", "EUR", "GBP", "USD"}));
+    EXPECT_EQ(order, (std::vector<std::string>{"AUD", "BGL", "CHF", "GBP", "USD"}));
 
     const CurrencySummary usd = summariseCurrency(doc, settings, 1);
     EXPECT_EQ(usd.paidValueSum, 355.0);
@@ -112,7 +112,7 @@ TEST_F(ReportsTest, SuggestionFollowsTheModeAndTheAnswer)
     // Only unpaid payments, or none: no rate to offer, no question.
     prompter.clear();
     add(kIncome, 2, 50.0, 97.79, 0);
-    EXPECT_FALSE(suggestRate(doc, settings, prompter, 10.0, "EUR"));
+    EXPECT_FALSE(suggestRate(doc, settings, prompter, 10.0, "CHF"));
     EXPECT_FALSE(suggestRate(doc, settings, prompter, 10.0, "GBP"));
     EXPECT_FALSE(suggestRate(doc, settings, prompter, 10.0, "BGL"));
     EXPECT_TRUE(prompter.messages().empty());
