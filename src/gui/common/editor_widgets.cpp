@@ -9,6 +9,7 @@
 #include <QHeaderView>
 #include <QPushButton>
 #include <QScrollArea>
+#include <QShortcut>
 #include <QTreeWidget>
 #include <algorithm>
 #include <vector>
@@ -71,6 +72,23 @@ QTreeWidgetItem* findCategoryItem(QTreeWidget* tree, std::int32_t id)
         }
     }
     return nullptr;
+}
+
+void onCategoryChosen(QTreeWidget* tree, QObject* context,
+                      const std::function<void(std::int32_t)>& choose)
+{
+    const auto chooseItem = [choose](const QTreeWidgetItem* item) {
+        if (const auto id = categoryIdOf(item)) {
+            choose(*id);
+        }
+    };
+    // Activation is a double click, or Enter on the current item.
+    QObject::connect(tree, &QTreeWidget::itemActivated, context,
+                     [chooseItem](const QTreeWidgetItem* item) { chooseItem(item); });
+    auto* space =
+        new QShortcut(QKeySequence(Qt::Key_Space), tree, nullptr, nullptr, Qt::WidgetShortcut);
+    QObject::connect(space, &QShortcut::activated, context,
+                     [tree, chooseItem] { chooseItem(tree->currentItem()); });
 }
 
 QTreeWidget* makeReportList(QWidget* parent, std::initializer_list<ReportColumn> columns)

@@ -6,6 +6,7 @@
 #include <QDate>
 #include <QString>
 #include <cstdint>
+#include <functional>
 #include <initializer_list>
 #include <optional>
 #include <string>
@@ -36,6 +37,10 @@ void fillCategoryTree(QTreeWidget* tree, const CFinoraDoc& doc,
 inline constexpr int kMaxShownCategoryDepth = 32;
 // The item that carries the id, if the tree shows it.
 QTreeWidgetItem* findCategoryItem(QTreeWidget* tree, std::int32_t id);
+// `choose` gets the category of the tree's item that a double click, Enter or Space picks, as
+// any list is used from the keyboard. Enter then goes on to the dialog's default button.
+void onCategoryChosen(QTreeWidget* tree, QObject* context,
+                      const std::function<void(std::int32_t)>& choose);
 
 // A report-style list: full-row selection, grid-like alternate rows, no tree decoration. A
 // width of 0 hides the column.

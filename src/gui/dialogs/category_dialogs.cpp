@@ -59,8 +59,8 @@ CategoryChooserDialog::CategoryChooserDialog(const CFinoraDoc& doc, std::int32_t
     if (QTreeWidgetItem* item = findCategoryItem(m_tree, current)) {
         m_tree->setCurrentItem(item);
     }
-    connect(m_tree, &QTreeWidget::itemDoubleClicked, this, [this](QTreeWidgetItem* item) {
-        m_chooser.choose(*categoryIdOf(item));
+    onCategoryChosen(m_tree, this, [this](std::int32_t id) {
+        m_chooser.choose(id);
         showChoice();
     });
 
@@ -98,8 +98,8 @@ CategoryDialog::CategoryDialog(CFinoraDoc& doc, Prompter& prompter, CategoryEdit
         m_editor.setSubcategory(on);
         showParent();
     });
-    connect(m_tree, &QTreeWidget::itemDoubleClicked, this, [this](QTreeWidgetItem* item) {
-        m_editor.chooseParent(*categoryIdOf(item));
+    onCategoryChosen(m_tree, this, [this](std::int32_t id) {
+        m_editor.chooseParent(id);
         showParent();
     });
 

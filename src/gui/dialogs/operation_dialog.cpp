@@ -16,6 +16,7 @@
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -51,6 +52,11 @@ public:
 Q_SIGNALS:
     void listClosed();
 };
+
+bool isEnterKey(const QKeyEvent& key)
+{
+    return key.key() == Qt::Key_Return || key.key() == Qt::Key_Enter;
+}
 
 void setTextKeepingCursor(QLineEdit* edit, const QString& text)
 {
@@ -386,6 +392,16 @@ EntryField OperationDialog::fieldOf(QObject* edit) const
 bool OperationDialog::eventFilter(QObject* watched, QEvent* event)
 {
     const EntryField field = fieldOf(watched);
+    if (field != EntryField::None && event->type() == QEvent::KeyPress &&
+        isEnterKey(*static_cast<QKeyEvent*>(event)) && !m_amount->text().isEmpty()) {
+        // Enter in a filled payment line adds that payment, as "добави/промени" does (the
+        // focus leaves the field first, as for a click); Enter on the empty line saves.
+        m_addChange->setFocus();
+        if (m_addChange->hasFocus()) {
+            m_addChange->click();
+        }
+        return true;
+    }
     if (field != EntryField::None &&
         (event->type() == QEvent::FocusIn || event->type() == QEvent::FocusOut)) {
         if (event->type() == QEvent::FocusIn) {
