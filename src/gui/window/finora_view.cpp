@@ -55,6 +55,7 @@ CFinoraView::CFinoraView(CFinoraDoc& doc, Settings& settings, Prompter& prompter
     QScrollArea* panelArea = scrollWhenSmall(m_panel, this);
     // No taller than the panel wants: the space left over is the list's.
     panelArea->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Maximum);
+    m_panelArea = panelArea;
     layout->addWidget(panelArea);
     layout->addWidget(m_table, 1);
     layout->addLayout(totals);
@@ -91,6 +92,14 @@ void CFinoraView::contextMenuEvent(QContextMenuEvent* event)
         return;
     }
     m_contextMenu->exec(event->globalPos());
+}
+
+void CFinoraView::resizeEvent(QResizeEvent* event)
+{
+    // On a short window (a small screen, a large scale) the panel scrolls within a third of
+    // the height, so the list still shows a screenful of rows.
+    m_panelArea->setMaximumHeight(std::max(height() / 3, 80));
+    QWidget::resizeEvent(event);
 }
 
 void CFinoraView::resetFilter()
