@@ -13,6 +13,7 @@
 
 class QButtonGroup;
 class QDialog;
+class QLabel;
 class QPushButton;
 class QScrollArea;
 class QTreeWidget;
@@ -54,6 +55,10 @@ QTreeWidget* makeReportList(QWidget* parent, std::initializer_list<ReportColumn>
 // `content` as it is where there is room, scrolled where there is not (a small screen, a large
 // scale): its minimum size no longer sets the window's.
 QScrollArea* scrollWhenSmall(QWidget* content, QWidget* parent);
+
+// A label that names `field`: its underlined letter moves the focus there and assistive software
+// reads it as the field's name.
+QLabel* captionFor(const QString& text, QWidget* field, QWidget* parent);
 
 // "?": opens the dialog's help topic.
 QPushButton* makeHelpButton(QWidget* parent, const char* topic);

@@ -24,6 +24,7 @@ CFinoraView::CFinoraView(CFinoraDoc& doc, Settings& settings, Prompter& prompter
       m_balance(new QLabel(this))
 {
     m_table->setObjectName(QStringLiteral("operationsList"));
+    m_table->setAccessibleName(tr("операции"));
     m_table->setModel(&m_model);
     m_table->setSelectionBehavior(QAbstractItemView::SelectRows);
     m_table->setSelectionMode(QAbstractItemView::ExtendedSelection);
