@@ -17,11 +17,26 @@ if(TARGET finora)
   list(APPEND FINORA_MAN_PAGES finora.1)
 endif()
 # The file types belong to the files, whichever of the programs is installed.
-install(FILES data/finora-mime.xml DESTINATION ${CMAKE_INSTALL_DATADIR}/mime/packages RENAME finora.xml)
+install(FILES data/${FINORA_APP_ID}.mime.xml DESTINATION ${CMAKE_INSTALL_DATADIR}/mime/packages
+        RENAME ${FINORA_APP_ID}.xml)
+# Man pages and the changelog are installed compressed, as Debian keeps them: gzip -9n, with no
+# name or time inside, so the same sources give the same bytes.
+set(FINORA_GZIPPED)
+function(finora_install_gzipped source destination)
+  get_filename_component(name ${source} NAME)
+  configure_file(${source}.in ${PROJECT_BINARY_DIR}/data/${name} @ONLY)
+  set(gz ${PROJECT_BINARY_DIR}/data/${name}.gz)
+  add_custom_command(OUTPUT ${gz}
+                     COMMAND gzip -9n -c ${PROJECT_BINARY_DIR}/data/${name} > ${gz}
+                     DEPENDS ${PROJECT_BINARY_DIR}/data/${name} VERBATIM)
+  install(FILES ${gz} DESTINATION ${destination})
+  set(FINORA_GZIPPED ${FINORA_GZIPPED} ${gz} PARENT_SCOPE)
+endfunction()
 foreach(page IN LISTS FINORA_MAN_PAGES)
-  configure_file(data/${page}.in ${PROJECT_BINARY_DIR}/data/${page} @ONLY)
-  install(FILES ${PROJECT_BINARY_DIR}/data/${page} DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+  finora_install_gzipped(data/${page} ${CMAKE_INSTALL_MANDIR}/man1)
 endforeach()
+finora_install_gzipped(data/changelog ${CMAKE_INSTALL_DATADIR}/doc/finora)
+add_custom_target(finora_gzipped ALL DEPENDS ${FINORA_GZIPPED})
 install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/finora RENAME copyright)
 
 set(CPACK_PACKAGE_NAME finora)

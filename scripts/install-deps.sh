@@ -10,7 +10,7 @@ packages=(
   fonts-dejavu-core fonts-liberation2
   xvfb xauth xdotool poppler-utils
   desktop-file-utils appstream shared-mime-info xdg-utils dpkg-dev man-db
-  clang-format clang-tidy locales
+  clang-format clang-tidy locales lintian
 )
 # Optional: libFuzzer needs clang and its runtime; the build skips the fuzz targets without them.
 if [[ "${FINORA_WITH_FUZZ:-1}" == 1 ]]; then

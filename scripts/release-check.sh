@@ -6,7 +6,7 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 
 build=build/release
-app_id=org.example.finora
+app_id=bg.finora.Finora
 
 echo "== plain Release build"
 cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release >/dev/null
@@ -19,15 +19,15 @@ prefix=$(mktemp -d)
 trap 'rm -rf "$prefix"' EXIT
 cmake --install "$build" --prefix "$prefix" >/dev/null
 share=$prefix/share
-for f in bin/finora bin/finora-cli share/finora/tips.txt share/man/man1/finora.1 share/man/man1/finora-cli.1 \
-         share/mime/packages/finora.xml share/icons/hicolor/scalable/apps/$app_id.svg \
-         share/icons/hicolor/48x48/apps/$app_id.png share/doc/finora/copyright; do
+for f in bin/finora bin/finora-cli share/finora/tips.txt share/man/man1/finora.1.gz share/man/man1/finora-cli.1.gz \
+         share/mime/packages/$app_id.xml share/icons/hicolor/scalable/apps/$app_id.svg \
+         share/icons/hicolor/48x48/apps/$app_id.png share/doc/finora/copyright share/doc/finora/changelog.gz; do
   [[ -f $prefix/$f ]] || { echo "release-check: $f is not installed"; exit 1; }
 done
 desktop-file-validate "$share/applications/$app_id.desktop"
 appstreamcli validate --no-net "$share/metainfo/$app_id.metainfo.xml"
 if command -v man >/dev/null; then
-  for page in "$share"/man/man1/*.1; do
+  for page in "$share"/man/man1/*.1.gz; do
     warnings=$(LC_ALL=C.UTF-8 man --warnings -E UTF-8 -l "$page" 2>&1 >/dev/null)
     [[ -z $warnings ]] || { echo "$warnings"; exit 1; }
   done
@@ -60,4 +60,6 @@ fi
 (cd "$build" && cpack -G DEB >/dev/null)
 deb=$(ls "$build"/finora_*.deb)
 dpkg-deb --field "$deb" Package Version Architecture Depends Recommends Installed-Size
-dpkg-deb --contents "$deb" | grep -E "usr/bin/finora(-cli)?$|$app_id.desktop$|mime/packages/finora.xml$" | awk '{print $NF}'
+dpkg-deb --contents "$deb" | grep -E "usr/bin/finora(-cli)?$|$app_id.desktop$|mime/packages/$app_id.xml$" | awk '{print $NF}'
+# Debian's own checker: no error, and the warnings shown. It reads the package, so no root.
+lintian --fail-on error --no-tag-display-limit "$deb"

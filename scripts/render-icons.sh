@@ -4,9 +4,9 @@
 # Needs rsvg-convert (Debian: librsvg2-bin).
 set -euo pipefail
 cd "$(dirname "$0")/.."
-svg=data/icons/org.example.finora.svg
+svg=data/icons/bg.finora.Finora.svg
 for size in 16 24 32 48 64 128 256; do
   out=data/icons/hicolor/${size}x${size}/apps
   mkdir -p "$out"
-  rsvg-convert -w "$size" -h "$size" "$svg" -o "$out/org.example.finora.png"
+  rsvg-convert -w "$size" -h "$size" "$svg" -o "$out/bg.finora.Finora.png"
 done

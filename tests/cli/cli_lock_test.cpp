@@ -7,6 +7,7 @@
 #include "core/text/cp1251.h"
 
 #include <chrono>
+#include <cstdlib>
 
 #ifndef _WIN32
 #include <pwd.h>
@@ -183,6 +184,8 @@ TEST_F(CliTest, TwoImportsIntoOneLedgerAtOnceBothLand)
     // The same two as separate programs started together.
     pid_t children[2];
     const std::string program = FINORA_CLI_PROGRAM;
+    // The programs read options from a folder of the test's, not the user's backup folder.
+    ::setenv("XDG_CONFIG_HOME", path("options").c_str(), 1);
     for (int i = 0; i < 2; ++i) {
         std::vector<std::string> args = {program, "import", target, i == 0 ? first : second};
         std::vector<char*> argv;

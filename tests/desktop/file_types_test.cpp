@@ -60,7 +60,7 @@ struct MimeType {
 std::map<QString, MimeType> readMimeTypes()
 {
     std::map<QString, MimeType> types;
-    QXmlStreamReader xml(readAll(installed(QStringLiteral("mime/packages/finora.xml"))));
+    QXmlStreamReader xml(readAll(installed(QStringLiteral("mime/packages/" FINORA_APP_ID ".xml"))));
     QString current;
     while (!xml.atEnd()) {
         if (xml.readNext() != QXmlStreamReader::StartElement) {
@@ -210,7 +210,8 @@ int main(int argc, char** argv)
         g_share = layout.path();
         const QString data = QStringLiteral(FINORA_SOURCE_DATA);
         const std::pair<QString, QString> files[] = {
-            {data + QStringLiteral("/finora-mime.xml"), QStringLiteral("mime/packages/finora.xml")},
+            {data + QStringLiteral("/" FINORA_APP_ID ".mime.xml"),
+             QStringLiteral("mime/packages/" FINORA_APP_ID ".xml")},
             {data + QStringLiteral("/" FINORA_APP_ID ".desktop"),
              QStringLiteral("applications/" FINORA_APP_ID ".desktop")},
             {QStringLiteral(FINORA_BUILD_DATA "/" FINORA_APP_ID ".metainfo.xml"),

@@ -10,6 +10,7 @@
 #include <QDateEdit>
 #include <QDialogButtonBox>
 #include <QFileDialog>
+#include <QHeaderView>
 #include <QLabel>
 #include <QListWidget>
 #include <QPrintPreviewWidget>
@@ -184,7 +185,18 @@ TEST_F(FirstUseTest, TheMainWindowAndTheEditorsFitASmallScreenAtDoubleScale)
         user::press(m_frame.get(), key, modifiers);
         dialog.verify();
     }
+    user::ExpectDialog chart(measure);
+    user::chooseMenu(m_frame.get(),
+                     {QStringLiteral("Данни"),
+                      QStringLiteral("Диаграма за приходите и разходите през годината ...")});
+    chart.verify();
     EXPECT_TRUE(tooBig.isEmpty()) << tooBig.join(QStringLiteral("; ")).toStdString();
+
+    // At that size the list still shows a screenful of rows, not two.
+    m_frame->resize(kSmallScreen);
+    QApplication::processEvents();
+    EXPECT_GE(table()->viewport()->height(), 5 * table()->verticalHeader()->defaultSectionSize())
+        << table()->viewport()->height();
 }
 
 TEST_F(FirstUseTest, ALongReportShowsItsProgressAndStopsWhenCancelled)

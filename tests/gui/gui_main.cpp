@@ -1,7 +1,9 @@
 #include "gui/common/bulgarian_ui.h"
+#include "support/own_folders.h"
 #include "support/user.h"
 
 #include <QApplication>
+#include <QTemporaryDir>
 #include <gtest/gtest.h>
 
 namespace {
@@ -30,6 +32,8 @@ class ShotsOnFailure final : public ::testing::EmptyTestEventListener {
 int main(int argc, char** argv)
 {
     qputenv("QT_QPA_PLATFORM", "offscreen");
+    const QTemporaryDir folders;
+    finora::test::useOwnFolders(folders.path());
     QApplication app(argc, argv);
     finora::useBulgarian(app); // as the program starts, so tests see what users see
     ::testing::InitGoogleTest(&argc, argv);

@@ -6,9 +6,12 @@
 
 #include <QAbstractButton>
 #include <QButtonGroup>
+#include <QCoreApplication>
 #include <QHeaderView>
+#include <QLabel>
 #include <QPushButton>
 #include <QScrollArea>
+#include <QShortcut>
 #include <QTreeWidget>
 #include <algorithm>
 #include <vector>
@@ -73,6 +76,23 @@ QTreeWidgetItem* findCategoryItem(QTreeWidget* tree, std::int32_t id)
     return nullptr;
 }
 
+void onCategoryChosen(QTreeWidget* tree, QObject* context,
+                      const std::function<void(std::int32_t)>& choose)
+{
+    const auto chooseItem = [choose](const QTreeWidgetItem* item) {
+        if (const auto id = categoryIdOf(item)) {
+            choose(*id);
+        }
+    };
+    // Activation is a double click, or Enter on the current item.
+    QObject::connect(tree, &QTreeWidget::itemActivated, context,
+                     [chooseItem](const QTreeWidgetItem* item) { chooseItem(item); });
+    auto* space =
+        new QShortcut(QKeySequence(Qt::Key_Space), tree, nullptr, nullptr, Qt::WidgetShortcut);
+    QObject::connect(space, &QShortcut::activated, context,
+                     [tree, chooseItem] { chooseItem(tree->currentItem()); });
+}
+
 QTreeWidget* makeReportList(QWidget* parent, std::initializer_list<ReportColumn> columns)
 {
     auto* list = new QTreeWidget(parent);
@@ -106,6 +126,8 @@ QPushButton* makeHelpButton(QWidget* parent, const char* topic)
 {
     auto* button = new QPushButton(QStringLiteral("?"), parent);
     button->setAutoDefault(false);
+    button->setAccessibleName(QCoreApplication::translate("finora", "помощ"));
+    button->setToolTip(QCoreApplication::translate("finora", "помощ"));
     button->setMaximumWidth(button->fontMetrics().horizontalAdvance(QStringLiteral("??")) + 24);
     QObject::connect(button, &QPushButton::clicked, button,
                      [parent, topic] { showHelp(parent, QString::fromLatin1(topic)); });
@@ -125,9 +147,22 @@ void tabStopOnChosen(QButtonGroup* group)
     follow();
 }
 
+QLabel* captionFor(const QString& text, QWidget* field, QWidget* parent)
+{
+    auto* label = new QLabel(text, parent);
+    label->setBuddy(field);
+    // Item views take their name from their own property only.
+    if (field->accessibleName().isEmpty()) {
+        field->setAccessibleName(QString(text).remove(QLatin1Char('&')).remove(QLatin1Char(':')));
+    }
+    return label;
+}
+
 QScrollArea* scrollWhenSmall(QWidget* content, QWidget* parent)
 {
     auto* area = new QScrollArea(parent);
+    // No tab stop of its own: the focus goes to the fields, and the area scrolls to show them.
+    area->setFocusPolicy(Qt::NoFocus);
     area->setFrameShape(QFrame::NoFrame);
     area->setWidgetResizable(true);
     area->setWidget(content);

@@ -6,12 +6,14 @@
 #include <QDate>
 #include <QString>
 #include <cstdint>
+#include <functional>
 #include <initializer_list>
 #include <optional>
 #include <string>
 
 class QButtonGroup;
 class QDialog;
+class QLabel;
 class QPushButton;
 class QScrollArea;
 class QTreeWidget;
@@ -36,6 +38,10 @@ void fillCategoryTree(QTreeWidget* tree, const CFinoraDoc& doc,
 inline constexpr int kMaxShownCategoryDepth = 32;
 // The item that carries the id, if the tree shows it.
 QTreeWidgetItem* findCategoryItem(QTreeWidget* tree, std::int32_t id);
+// `choose` gets the category of the tree's item that a double click, Enter or Space picks, as
+// any list is used from the keyboard. Enter then goes on to the dialog's default button.
+void onCategoryChosen(QTreeWidget* tree, QObject* context,
+                      const std::function<void(std::int32_t)>& choose);
 
 // A report-style list: full-row selection, grid-like alternate rows, no tree decoration. A
 // width of 0 hides the column.
@@ -49,6 +55,10 @@ QTreeWidget* makeReportList(QWidget* parent, std::initializer_list<ReportColumn>
 // `content` as it is where there is room, scrolled where there is not (a small screen, a large
 // scale): its minimum size no longer sets the window's.
 QScrollArea* scrollWhenSmall(QWidget* content, QWidget* parent);
+
+// A label that names `field`: its underlined letter moves the focus there and assistive software
+// reads it as the field's name.
+QLabel* captionFor(const QString& text, QWidget* field, QWidget* parent);
 
 // "?": opens the dialog's help topic.
 QPushButton* makeHelpButton(QWidget* parent, const char* topic);

@@ -6,6 +6,7 @@
 #include <QHBoxLayout>
 #include <QPointer>
 #include <QPushButton>
+#include <QShortcut>
 #include <QTextBrowser>
 #include <QVBoxLayout>
 
@@ -41,6 +42,9 @@ HelpWindow::HelpWindow(QWidget* parent)
     connect(back, &QPushButton::clicked, m_browser, &QTextBrowser::backward);
     connect(home, &QPushButton::clicked, this, [this] { showTopic({}); });
     connect(close, &QPushButton::clicked, this, &QWidget::close);
+    // Escape closes it, as it closes a dialog.
+    connect(new QShortcut(QKeySequence::Cancel, this), &QShortcut::activated, this,
+            &QWidget::close);
     auto* buttons = new QHBoxLayout;
     buttons->addWidget(back);
     buttons->addWidget(home);

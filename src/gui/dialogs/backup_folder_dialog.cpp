@@ -1,6 +1,7 @@
 #include "gui/dialogs/backup_folder_dialog.h"
 
 #include "gui/common/dialog_buttons.h"
+#include "gui/common/editor_widgets.h"
 
 #include <QDialogButtonBox>
 #include <QDir>
@@ -42,6 +43,8 @@ BackupFolderDialog::BackupFolderDialog(const std::string& current, Prompter& pro
     setWindowTitle(tr("Изберете директория с двойно кликване ..."));
     m_path->setObjectName(QStringLiteral("folder"));
     auto* browse = new QPushButton(QStringLiteral("..."), this);
+    browse->setAccessibleName(tr("избор на директория"));
+    browse->setToolTip(tr("избор на директория"));
     connect(browse, &QPushButton::clicked, this, [this] {
         const QString dir = QFileDialog::getExistingDirectory(
             this, windowTitle(), m_path->text().isEmpty() ? QDir::homePath() : m_path->text());
@@ -50,7 +53,7 @@ BackupFolderDialog::BackupFolderDialog(const std::string& current, Prompter& pro
         }
     });
     auto* row = new QHBoxLayout;
-    row->addWidget(new QLabel(tr("Директория:"), this));
+    row->addWidget(captionFor(tr("Директория:"), m_path, this));
     row->addWidget(m_path, 1);
     row->addWidget(browse);
     auto* buttons = makeDialogButtons(this, tr("Open"));

@@ -36,6 +36,7 @@ QTreeWidget* makeCategoryTree(QWidget* parent, const CFinoraDoc& doc)
 QGroupBox* framed(const QString& title, QWidget* content, QWidget* parent)
 {
     auto* box = new QGroupBox(title, parent);
+    content->setAccessibleName(title);
     auto* layout = new QVBoxLayout(box);
     layout->addWidget(content);
     return box;
@@ -59,8 +60,8 @@ CategoryChooserDialog::CategoryChooserDialog(const CFinoraDoc& doc, std::int32_t
     if (QTreeWidgetItem* item = findCategoryItem(m_tree, current)) {
         m_tree->setCurrentItem(item);
     }
-    connect(m_tree, &QTreeWidget::itemDoubleClicked, this, [this](QTreeWidgetItem* item) {
-        m_chooser.choose(*categoryIdOf(item));
+    onCategoryChosen(m_tree, this, [this](std::int32_t id) {
+        m_chooser.choose(id);
         showChoice();
     });
 
@@ -98,8 +99,8 @@ CategoryDialog::CategoryDialog(CFinoraDoc& doc, Prompter& prompter, CategoryEdit
         m_editor.setSubcategory(on);
         showParent();
     });
-    connect(m_tree, &QTreeWidget::itemDoubleClicked, this, [this](QTreeWidgetItem* item) {
-        m_editor.chooseParent(*categoryIdOf(item));
+    onCategoryChosen(m_tree, this, [this](std::int32_t id) {
+        m_editor.chooseParent(id);
         showParent();
     });
 
@@ -107,12 +108,14 @@ CategoryDialog::CategoryDialog(CFinoraDoc& doc, Prompter& prompter, CategoryEdit
     buttons->buttons().at(0)->setIcon(style()->standardIcon(QStyle::SP_DialogApplyButton));
     buttons->buttons().at(1)->setIcon(style()->standardIcon(QStyle::SP_DialogCancelButton));
     auto* layout = new QGridLayout(this);
-    layout->addWidget(new QLabel(tr("впишете наименование на категорията:"), this), 0, 0, 1, 2);
+    layout->addWidget(captionFor(tr("впишете наименование на категорията:"), m_name, this), 0, 0, 1,
+                      2);
     layout->addWidget(m_name, 1, 0, 1, 2);
     layout->addWidget(m_isSub, 2, 0);
     layout->addWidget(m_parent, 2, 1);
-    layout->addWidget(new QLabel(tr("изберете родителска категория (с двойно кликване):"), this), 3,
-                      0, 1, 2);
+    layout->addWidget(
+        captionFor(tr("изберете родителска категория (с двойно кликване):"), m_tree, this), 3, 0, 1,
+        2);
     layout->addWidget(m_tree, 4, 0, 1, 2);
     layout->addWidget(buttons, 5, 0, 1, 2);
     layout->setColumnStretch(1, 1);
@@ -159,6 +162,7 @@ CategoryTreeDialog::CategoryTreeDialog(CFinoraDoc& doc, Prompter& prompter, bool
     m_tree->setHeaderHidden(true);
     m_tree->setObjectName(QStringLiteral("categoryTree"));
     m_list->setObjectName(QStringLiteral("categoryList"));
+    m_list->setAccessibleName(tr("категории и подкатегории"));
     auto* add = new QPushButton(tr("&нова категория"), this);
     auto* refresh = new QPushButton(tr("&опресни"), this);
     auto* exit = new QPushButton(tr("изхо&д"), this);

@@ -50,7 +50,7 @@ CurrencyNameDialog::CurrencyNameDialog(const std::string& current, Prompter& pro
     });
     ok->setEnabled(!current.empty());
     auto* layout = new QVBoxLayout(this);
-    layout->addWidget(new QLabel(tr("укажете наименование:"), this));
+    layout->addWidget(captionFor(tr("укажете наименование:"), m_edit, this));
     layout->addWidget(m_edit);
     layout->addWidget(buttons);
     setMinimumWidth(280);
@@ -84,6 +84,7 @@ CurrencyCashDialog::CurrencyCashDialog(CFinoraDoc& doc, const Settings& settings
 {
     setWindowTitle(QString::fromUtf8(CurrencyCashEditor::kTitle));
     m_list->setObjectName(QStringLiteral("cashList"));
+    m_list->setAccessibleName(tr("валутна каса"));
     m_list->setToolTip(tr("кликнете 2 пъти върху запис, за да го редактирате ..."));
     m_list->header()->setSectionsClickable(true);
     m_list->header()->setSortIndicatorShown(true);

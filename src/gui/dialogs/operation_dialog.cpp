@@ -16,6 +16,7 @@
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -51,6 +52,11 @@ public:
 Q_SIGNALS:
     void listClosed();
 };
+
+bool isEnterKey(const QKeyEvent& key)
+{
+    return key.key() == Qt::Key_Return || key.key() == Qt::Key_Enter;
+}
 
 void setTextKeepingCursor(QLineEdit* edit, const QString& text)
 {
@@ -121,6 +127,7 @@ void OperationDialog::setUpFields()
     m_total->setAlignment(Qt::AlignRight);
     m_total->setObjectName(QStringLiteral("total"));
     m_list->setObjectName(QStringLiteral("payments"));
+    m_list->setAccessibleName(tr("плащания"));
     m_list->setSelectionMode(QAbstractItemView::ExtendedSelection);
     m_amount->setObjectName(QStringLiteral("amount"));
     m_rate->setObjectName(QStringLiteral("rate"));
@@ -138,6 +145,7 @@ void OperationDialog::makeButtons()
 {
     m_chooseCategory = new QPushButton(QStringLiteral("..."), this);
     m_chooseCategory->setObjectName(QStringLiteral("chooseCategory"));
+    m_chooseCategory->setAccessibleName(tr("избор на категория"));
     m_chooseCategory->setMaximumWidth(
         m_chooseCategory->fontMetrics().horizontalAdvance(QStringLiteral("....")) + 20);
     m_clear = new QPushButton(tr("изчи&сти"), this);
@@ -191,7 +199,7 @@ void OperationDialog::setToolTips()
 QGridLayout* OperationDialog::makeOperationFields()
 {
     auto* top = new QGridLayout;
-    top->addWidget(new QLabel(tr("дата:"), this), 0, 0);
+    top->addWidget(captionFor(tr("дата:"), m_date, this), 0, 0);
     auto* dateRow = new QHBoxLayout;
     dateRow->addWidget(m_date);
     dateRow->addSpacing(16);
@@ -199,12 +207,12 @@ QGridLayout* OperationDialog::makeOperationFields()
     dateRow->addWidget(m_expense);
     dateRow->addStretch();
     top->addLayout(dateRow, 0, 1, 1, 2);
-    top->addWidget(new QLabel(tr("кратко описание:"), this), 1, 0);
+    top->addWidget(captionFor(tr("кратко описание:"), m_description, this), 1, 0);
     top->addWidget(m_description, 1, 1, 1, 2);
     top->addWidget(new QLabel(tr("избрана категория:"), this), 2, 0);
     top->addWidget(m_category, 2, 1);
     top->addWidget(m_chooseCategory, 2, 2);
-    top->addWidget(new QLabel(tr("забележка:"), this), 3, 0);
+    top->addWidget(captionFor(tr("забележка:"), m_notes, this), 3, 0);
     top->addWidget(m_notes, 3, 1, 1, 2);
     top->setColumnStretch(1, 1);
     return top;
@@ -214,13 +222,13 @@ QGroupBox* OperationDialog::makePaymentBox()
 {
     auto* payment = new QGroupBox(tr("плащане"), this);
     auto* entry = new QGridLayout(payment);
-    entry->addWidget(new QLabel(tr("сума:"), this), 0, 0);
+    entry->addWidget(captionFor(tr("сума:"), m_amount, this), 0, 0);
     entry->addWidget(m_amount, 1, 0);
-    entry->addWidget(new QLabel(tr("валута:"), this), 0, 1);
+    entry->addWidget(captionFor(tr("валута:"), m_currency, this), 0, 1);
     entry->addWidget(m_currency, 1, 1);
-    entry->addWidget(new QLabel(tr("курс на валута:"), this), 0, 2);
+    entry->addWidget(captionFor(tr("курс на валута:"), m_rate, this), 0, 2);
     entry->addWidget(m_rate, 1, 2);
-    entry->addWidget(new QLabel(tr("стойност в лв:"), this), 0, 3);
+    entry->addWidget(captionFor(tr("стойност в лв:"), m_value, this), 0, 3);
     entry->addWidget(m_value, 1, 3);
     entry->addWidget(m_paid, 1, 4);
     auto* entryButtons = new QHBoxLayout;
@@ -240,7 +248,7 @@ void OperationDialog::layOut()
     rowButtons->addWidget(m_delete);
     rowButtons->addWidget(m_deleteAll);
     rowButtons->addStretch();
-    rowButtons->addWidget(new QLabel(tr("ОБЩО BGL"), this));
+    rowButtons->addWidget(captionFor(tr("ОБЩО BGL"), m_total, this));
     rowButtons->addWidget(m_total);
 
     auto* buttons = new QHBoxLayout;
@@ -386,6 +394,16 @@ EntryField OperationDialog::fieldOf(QObject* edit) const
 bool OperationDialog::eventFilter(QObject* watched, QEvent* event)
 {
     const EntryField field = fieldOf(watched);
+    if (field != EntryField::None && event->type() == QEvent::KeyPress &&
+        isEnterKey(*static_cast<QKeyEvent*>(event)) && !m_amount->text().isEmpty()) {
+        // Enter in a filled payment line adds that payment, as "добави/промени" does (the
+        // focus leaves the field first, as for a click); Enter on the empty line saves.
+        m_addChange->setFocus();
+        if (m_addChange->hasFocus()) {
+            m_addChange->click();
+        }
+        return true;
+    }
     if (field != EntryField::None &&
         (event->type() == QEvent::FocusIn || event->type() == QEvent::FocusOut)) {
         if (event->type() == QEvent::FocusIn) {

@@ -2,6 +2,7 @@
 
 #include "core/text/cp1251.h"
 #include "gui/common/dialog_buttons.h"
+#include "gui/common/editor_widgets.h"
 
 #include <QButtonGroup>
 #include <QCheckBox>
@@ -72,6 +73,14 @@ SearchDialog::SearchDialog(SearchEditor& editor, QWidget* parent)
     layout->addWidget(where);
     layout->addWidget(other);
     layout->addWidget(buttons);
+    // Tab follows the screen: the words, one stop on the AND/OR/NOT choice, the phrase option.
+    tabStopOnChosen(m_mode);
+    QWidget* previous = m_text;
+    for (QAbstractButton* mode : m_mode->buttons()) {
+        setTabOrder(previous, mode);
+        previous = mode;
+    }
+    setTabOrder(previous, m_exact);
 
     m_text->setObjectName(QStringLiteral("searchText"));
     m_text->setText(QString::fromStdString(cp1251::toUtf8(m_editor.request().text)));

@@ -6,13 +6,11 @@
 #include <QFileDialog>
 #include <QGridLayout>
 #include <QHBoxLayout>
-#include <QIntValidator>
 #include <QKeyEvent>
 #include <QLabel>
-#include <QLineEdit>
 #include <QPainter>
 #include <QPushButton>
-#include <QToolButton>
+#include <QSpinBox>
 #include <QVBoxLayout>
 #include <utility>
 
@@ -29,7 +27,7 @@ public:
     explicit Frame(QWidget* parent) : QWidget(parent)
     {
         setObjectName(QStringLiteral("chartFrame"));
-        setMinimumSize(480, 300);
+        setMinimumSize(480, 240);
         setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
     }
 
@@ -70,42 +68,34 @@ private:
 YearlyChartDialog::YearlyChartDialog(const CFinoraDoc& doc, int year, Prompter& prompter,
                                      MainMoney money, QWidget* parent)
     : QDialog(parent), m_doc(doc), m_prompter(prompter), m_money(money), m_year(year),
-      m_chart(std::make_unique<Chart>()), m_frame(new Frame(this)),
-      m_yearEdit(new QLineEdit(QString::number(year), this))
+      m_chart(std::make_unique<Chart>()), m_frame(new Frame(this)), m_yearEdit(new QSpinBox(this))
 {
     setWindowTitle(tr("Диаграма на приходите и разходите по месеци ..."));
     setObjectName(QStringLiteral("yearlyChart"));
+    // Any year can be typed; the arrows step it by one and draw at once, a typed year is drawn
+    // by "генерирай диаграма" or Enter.
     m_yearEdit->setObjectName(QStringLiteral("year"));
-    m_yearEdit->setValidator(new QIntValidator(m_yearEdit));
-    m_yearEdit->setMaximumWidth(
-        m_yearEdit->fontMetrics().horizontalAdvance(QStringLiteral("0000000")) + 12);
+    m_yearEdit->setRange(kFirstYear, kLastYear);
+    m_yearEdit->setValue(year);
+    m_yearEdit->setKeyboardTracking(false);
+    m_yearEdit->setAccessibleName(tr("година"));
     computeYearlySummary(m_doc, m_year, m_summary, m_money);
 
-    // The spin arrows step the year by one whatever it is; their own range is 2000 to 2020.
-    auto* up = new QToolButton(this);
-    auto* down = new QToolButton(this);
-    up->setArrowType(Qt::UpArrow);
-    down->setArrowType(Qt::DownArrow);
-    up->setObjectName(QStringLiteral("yearUp"));
-    down->setObjectName(QStringLiteral("yearDown"));
-    for (QToolButton* b : {up, down}) {
-        b->setAutoRepeat(true);
-        b->setFixedSize(18, 12);
-    }
-    auto* spin = new QVBoxLayout;
-    spin->setSpacing(0);
-    spin->addWidget(up);
-    spin->addWidget(down);
     auto* generate = new QPushButton(tr("генерирай диаграма"), this);
     auto* refresh = new QPushButton(tr("обнови"), this);
     auto* save = new QPushButton(tr("запиши като PNG ..."), this);
     auto* exit = new QPushButton(tr("изход"), this);
     generate->setDefault(true);
 
-    connect(up, &QToolButton::clicked, this, [this] { stepYear(1); });
-    connect(down, &QToolButton::clicked, this, [this] { stepYear(-1); });
+    connect(m_yearEdit, &QSpinBox::valueChanged, this, [this](int shown) {
+        if (shown != m_year) {
+            m_year = shown;
+            draw(DrawMode::YearChanged);
+        }
+    });
     connect(generate, &QPushButton::clicked, this, [this] {
-        m_year = m_yearEdit->text().toInt();
+        m_yearEdit->interpretText();
+        m_year = m_yearEdit->value();
         draw(DrawMode::YearChanged);
     });
     connect(refresh, &QPushButton::clicked, this, [this] { draw(DrawMode::Refresh); });
@@ -120,19 +110,24 @@ YearlyChartDialog::YearlyChartDialog(const CFinoraDoc& doc, int year, Prompter& 
     connect(exit, &QPushButton::clicked, this, &QDialog::accept);
 
     // The frame takes every pixel the dialog grows by; the controls keep to the bottom edge,
-    // "изход" to the bottom right corner.
-    auto* controls = new QHBoxLayout;
-    controls->addWidget(new QLabel(tr("Генерирай диаграма за: "), this));
-    controls->addWidget(m_yearEdit);
-    controls->addLayout(spin);
-    controls->addWidget(generate);
-    controls->addWidget(refresh);
-    controls->addWidget(save);
-    controls->addStretch();
-    controls->addWidget(exit);
+    // "изход" to the bottom right corner. Two rows of them, so the dialog fits a small screen at
+    // a large scale.
+    auto* drawing = new QHBoxLayout;
+    auto* caption = new QLabel(tr("Генерирай диаграма за: "), this);
+    caption->setBuddy(m_yearEdit);
+    drawing->addWidget(caption);
+    drawing->addWidget(m_yearEdit);
+    drawing->addWidget(generate);
+    drawing->addWidget(refresh);
+    drawing->addStretch();
+    auto* closing = new QHBoxLayout;
+    closing->addWidget(save);
+    closing->addStretch();
+    closing->addWidget(exit);
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(m_frame, 1);
-    layout->addLayout(controls);
+    layout->addLayout(drawing);
+    layout->addLayout(closing);
     setSizeGripEnabled(true);
     resize(820, 560);
     keepWindowGeometry(this, "yearlyChart");
@@ -156,9 +151,7 @@ void YearlyChartDialog::showEvent(QShowEvent* event)
 
 void YearlyChartDialog::stepYear(int step)
 {
-    m_year += step;
-    m_yearEdit->setText(QString::number(m_year));
-    draw(DrawMode::YearChanged);
+    m_yearEdit->stepBy(step);
 }
 
 void YearlyChartDialog::draw(DrawMode mode)

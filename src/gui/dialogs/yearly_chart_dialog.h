@@ -9,7 +9,7 @@
 #include <QPixmap>
 #include <memory>
 
-class QLineEdit;
+class QSpinBox;
 
 namespace finora {
 
@@ -36,8 +36,9 @@ public:
     // Writes the chart as PNG; a failure is said.
     bool savePicture(const QString& path) const;
 
-    static constexpr int kSpinMinimum = 2000;
-    static constexpr int kSpinMaximum = 2020;
+    // The years the field takes, typed or stepped.
+    static constexpr int kFirstYear = 1;
+    static constexpr int kLastYear = 9999;
     static constexpr const char* kRepaintText =
         QT_TR_NOOP("кликнете бутона \"обнови\" за опресняване на графиката...");
 
@@ -55,7 +56,7 @@ private:
     std::unique_ptr<Chart> m_chart;
     bool m_drawn = false;
     Frame* m_frame;
-    QLineEdit* m_yearEdit;
+    QSpinBox* m_yearEdit;
 };
 
 } // namespace finora

@@ -68,9 +68,11 @@ void FilterPanel::setUpControls()
     m_currency->setObjectName(QStringLiteral("currencyFilter"));
 
     m_tree->setObjectName(QStringLiteral("categoryTree"));
+    m_tree->setAccessibleName(tr("категории"));
     m_tree->setHeaderHidden(true);
     m_selected->setObjectName(QStringLiteral("selectedCategories"));
     m_selected->setHeaderLabels({tr("избрани категории:")});
+    m_selected->setAccessibleName(tr("избрани категории"));
     m_selected->setRootIsDecorated(false);
     m_subcategories->setObjectName(QStringLiteral("includeSubcategories"));
     m_subcategories->setToolTip(tr("указва, дали програмата да визуализира и данните за "

@@ -24,6 +24,7 @@ CFinoraView::CFinoraView(CFinoraDoc& doc, Settings& settings, Prompter& prompter
       m_balance(new QLabel(this))
 {
     m_table->setObjectName(QStringLiteral("operationsList"));
+    m_table->setAccessibleName(tr("операции"));
     m_table->setModel(&m_model);
     m_table->setSelectionBehavior(QAbstractItemView::SelectRows);
     m_table->setSelectionMode(QAbstractItemView::ExtendedSelection);
@@ -57,6 +58,7 @@ CFinoraView::CFinoraView(CFinoraDoc& doc, Settings& settings, Prompter& prompter
     QScrollArea* panelArea = scrollWhenSmall(m_panel, this);
     // No taller than the panel wants: the space left over is the list's.
     panelArea->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Maximum);
+    m_panelArea = panelArea;
     layout->addWidget(panelArea);
     layout->addWidget(m_table, 1);
     layout->addLayout(totals);
@@ -95,6 +97,14 @@ void CFinoraView::contextMenuEvent(QContextMenuEvent* event)
         return;
     }
     m_contextMenu->exec(event->globalPos());
+}
+
+void CFinoraView::resizeEvent(QResizeEvent* event)
+{
+    // On a short window (a small screen, a large scale) the panel scrolls within a third of
+    // the height, so the list still shows a screenful of rows.
+    m_panelArea->setMaximumHeight(std::max(height() / 3, 80));
+    QWidget::resizeEvent(event);
 }
 
 void CFinoraView::resetFilter()

@@ -47,6 +47,7 @@ Q_SIGNALS:
 
 protected:
     void contextMenuEvent(QContextMenuEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
 
 private:
     void showListState();
@@ -57,6 +58,7 @@ private:
     OperationsList m_list;
     OperationsTableModel m_model;
     FilterPanel* m_panel;
+    QWidget* m_panelArea = nullptr;
     QTableView* m_table;
     QMenu* m_contextMenu = nullptr;
     QLabel* m_income;

@@ -67,6 +67,13 @@ CMainFrame::CMainFrame(SettingsStore& store, Prompter& prompter, DocumentHost& h
     });
     connect(m_view->table(), &QAbstractItemView::doubleClicked, this,
             [this] { editSelectedOperation(); });
+    // Delete in the list does what the menu item does, question and all; elsewhere the key
+    // stays the fields' own.
+    auto* deleteKey = new QAction(m_view->table());
+    deleteKey->setShortcut(QKeySequence::Delete);
+    deleteKey->setShortcutContext(Qt::WidgetShortcut);
+    m_view->table()->addAction(deleteKey);
+    connect(deleteKey, &QAction::triggered, action(Command::DeleteSelected), &QAction::trigger);
     connect(&m_view->filterPanel(), &FilterPanel::addInCategoryRequested, this,
             [this] { action(Command::AddInCategory)->trigger(); });
     connect(m_view, &CFinoraView::listChanged, this, [this] {
