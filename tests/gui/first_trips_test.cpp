@@ -7,6 +7,7 @@
 
 #include <QComboBox>
 #include <QDateEdit>
+#include <QDir>
 #include <QFileInfo>
 #include <QLabel>
 #include <gtest/gtest.h>
@@ -53,4 +54,29 @@ TEST_F(FirstTrips, EntriesOfEveryCenturyStayInViewWithoutAFilter)
     auto* from = user::child<QDateEdit>(m_frame.get(), "periodFrom");
     ASSERT_NE(from, nullptr);
     EXPECT_EQ(from->date(), QDate(1025, 3, 3));
+}
+
+TEST_F(FirstTrips, SavedLedgersJoinTheRecentFilesAndTheDialogsStartInTheLedgersFolder)
+{
+    startFrame();
+    ASSERT_TRUE(QDir(m_dir.path()).mkdir(QStringLiteral("копия")));
+    const QString first = m_dir.filePath(QStringLiteral("първи.fnr"));
+    const QString second = m_dir.filePath(QStringLiteral("копия/втори.fnr"));
+    const QStringList saveAs{QStringLiteral("Файл"), QStringLiteral("Запиши като ...")};
+    // A new ledger saved for the first time, then under another name.
+    m_host.paths = {first.toStdString()};
+    user::press(m_frame.get(), Qt::Key_S, Qt::ControlModifier);
+    m_host.paths = {second.toStdString()};
+    user::chooseMenu(m_frame.get(), saveAs);
+    ASSERT_EQ(m_frame->document().path(), second.toStdString());
+    EXPECT_EQ(m_frame->recentFiles(), (QStringList{second, first}));
+
+    // Open, import and Save As start in the open ledger's folder (cancelled here).
+    user::press(m_frame.get(), Qt::Key_O, Qt::ControlModifier);
+    user::chooseMenu(m_frame.get(), saveAs);
+    user::chooseMenu(m_frame.get(), {QStringLiteral("Файл"),
+                                     QStringLiteral("Импортиране на данни от друг документ ...")});
+    const std::string copies = QFileInfo(second).absolutePath().toStdString();
+    EXPECT_EQ(m_host.folders,
+              (std::vector<std::string>{"", m_dir.path().toStdString(), copies, copies, copies}));
 }

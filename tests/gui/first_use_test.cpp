@@ -120,7 +120,7 @@ TEST_F(FirstUseTest, QtsOwnTextsAndTheCalendarAreBulgarian)
         }
         d->reject();
     });
-    (void)host.chooseOpenPath("Отваряне");
+    (void)host.chooseOpenPath("Отваряне", {});
     files.verify();
     EXPECT_TRUE(buttons.contains(QStringLiteral("Отказ")))
         << buttons.join(QLatin1Char(',')).toStdString();

@@ -101,7 +101,7 @@ void CMainFrame::fillRecentMenu()
 
 void CMainFrame::openWithDialog()
 {
-    if (const auto path = m_host.chooseOpenPath({})) {
+    if (const auto path = m_host.chooseOpenPath({}, folderOf(m_doc.path()))) {
         openLedger(QString::fromStdString(*path));
     }
 }
@@ -114,7 +114,7 @@ void CMainFrame::save()
 
 void CMainFrame::saveAs()
 {
-    if (const auto path = m_host.chooseSavePath()) {
+    if (const auto path = m_host.chooseSavePath(folderOf(m_doc.path()))) {
         m_storage.save(*path);
     }
     updateTitle();
@@ -125,8 +125,8 @@ void CMainFrame::importLedgerFile()
     if (refuseWhenLocked(m_doc, m_prompter)) {
         return;
     }
-    const auto path =
-        m_host.chooseOpenPath(tr("Импортиране на данни от друг документ").toStdString());
+    const auto path = m_host.chooseOpenPath(
+        tr("Импортиране на данни от друг документ").toStdString(), folderOf(m_doc.path()));
     if (!path) {
         return;
     }
@@ -147,11 +147,8 @@ void CMainFrame::importLedgerFile()
 std::optional<std::string> CMainFrame::chooseExportFile(const QString& title, const char* filter,
                                                         std::string_view extension)
 {
-    const std::string folder =
-        m_doc.path().empty() ? std::string()
-                             : QFileInfo(QString::fromStdString(m_doc.path())).path().toStdString();
     std::optional<std::string> path =
-        m_host.chooseExportPath({title.toStdString(), filter, folder});
+        m_host.chooseExportPath({title.toStdString(), filter, folderOf(m_doc.path())});
     if (path && !QString::fromStdString(*path).endsWith(QString::fromLatin1(extension),
                                                         Qt::CaseInsensitive)) {
         *path += extension;
