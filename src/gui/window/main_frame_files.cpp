@@ -173,7 +173,7 @@ void CMainFrame::exportListCsv()
         return;
     }
     std::ostringstream csv;
-    writeListCsv(csv, m_view->list(), shownListColumns(m_settings));
+    writeListCsv(csv, m_view->list(), allListColumns());
     FileError error = FileError::None;
     if (!writeFileAtomically(*path, csv.str(), &error)) {
         m_prompter.error(
