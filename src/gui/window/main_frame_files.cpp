@@ -159,7 +159,8 @@ std::optional<std::string> CMainFrame::chooseExportFile(const QString& title, co
 void CMainFrame::exportReportPdf()
 {
     const auto path = chooseExportFile(tr("Запиши справката като PDF"), "PDF (*.pdf)", ".pdf");
-    if (path && !m_report.exportPdf(QString::fromStdString(*path))) {
+    if (path && m_report.exportPdf(QString::fromStdString(*path), this) ==
+                    ReportPrinter::PdfResult::Failed) {
         m_prompter.error(tr("Справката не беше записана в %1.")
                              .arg(QString::fromStdString(*path))
                              .toStdString());
