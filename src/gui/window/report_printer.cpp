@@ -92,7 +92,13 @@ void ReportPrinter::print(QWidget* parent)
 void ReportPrinter::preview(QWidget* parent)
 {
     {
-        QPrintPreviewDialog dialog(m_printer.get(), parent);
+        // A printer of its own: Qt keeps a preview's page pictures in the printer until its next
+        // preview, and the program's printer lives as long as the window.
+        QPrinter printer(QPrinter::HighResolution);
+        printer.setPrinterName(m_printer->printerName());
+        printer.setPageLayout(m_printer->pageLayout());
+        printer.setColorMode(m_printer->colorMode());
+        QPrintPreviewDialog dialog(&printer, parent);
         const QString title = tr("Предпечатен изглед на справката");
         QObject::connect(&dialog, &QPrintPreviewDialog::paintRequested, &dialog,
                          [this, &dialog, title](QPrinter* printer) {
@@ -106,8 +112,9 @@ void ReportPrinter::preview(QWidget* parent)
                          });
         dialog.resize(900, 700);
         dialog.exec();
+        m_printer->setPageLayout(printer.pageLayout()); // the preview's paper and orientation stay
     }
-    // A preview of a million rows holds a gigabyte of page pictures; freed, they would stay with
+    // A preview of a million rows holds gigabytes of page pictures; freed, they would stay with
     // the allocator and the program would keep that size until it ends.
 #if defined(__GLIBC__)
     malloc_trim(0);
