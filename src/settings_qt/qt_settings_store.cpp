@@ -1,5 +1,8 @@
 #include "settings_qt/qt_settings_store.h"
 
+#include <QDateTime>
+#include <QFileInfo>
+
 namespace finora {
 namespace {
 
@@ -21,8 +24,23 @@ QtSettingsStore::QtSettingsStore()
 QtSettingsStore::QtSettingsStore(const QString& iniFile) : m_settings(iniFile, QSettings::IniFormat)
 {}
 
+void QtSettingsStore::catchUp() const
+{
+    // QSettings keeps what it read once; another process's write reaches it only through a
+    // sync, which reads the whole file. A look at the file first keeps a read cheap.
+    const QFileInfo file(m_settings.fileName());
+    const qint64 size = file.exists() ? file.size() : -1;
+    const qint64 time = file.exists() ? file.lastModified().toMSecsSinceEpoch() : -1;
+    if (size != m_seenSize || time != m_seenTime) {
+        m_settings.sync();
+        m_seenSize = size;
+        m_seenTime = time;
+    }
+}
+
 int QtSettingsStore::readInt(std::string_view section, std::string_view key, int defaultValue) const
 {
+    catchUp();
     bool ok = false;
     const int value = m_settings.value(path(section, key)).toInt(&ok);
     return ok ? value : defaultValue;
@@ -31,6 +49,7 @@ int QtSettingsStore::readInt(std::string_view section, std::string_view key, int
 std::string QtSettingsStore::readText(std::string_view section, std::string_view key,
                                       std::string_view defaultValue) const
 {
+    catchUp();
     const QVariant value = m_settings.value(path(section, key));
     if (!value.isValid()) {
         return std::string(defaultValue);
@@ -38,8 +57,8 @@ std::string QtSettingsStore::readText(std::string_view section, std::string_view
     return value.toString().toStdString();
 }
 
-// Reads come from QSettings' cache, which every store of this process shares; writes go to the
-// file at once, so a crash loses no option and the next program to start sees it.
+// Writes go to the file at once, so a crash loses no option and another program sees it at its
+// next read.
 void QtSettingsStore::writeInt(std::string_view section, std::string_view key, int value)
 {
     m_settings.setValue(path(section, key), value);

@@ -9,6 +9,7 @@
 #include <QCalendarWidget>
 #include <QDateEdit>
 #include <QDialogButtonBox>
+#include <QDir>
 #include <QFileDialog>
 #include <QHeaderView>
 #include <QLabel>
@@ -121,7 +122,7 @@ TEST_F(FirstUseTest, QtsOwnTextsAndTheCalendarAreBulgarian)
         }
         d->reject();
     });
-    (void)host.chooseOpenPath("Отваряне");
+    (void)host.chooseOpenPath("Отваряне", {});
     files.verify();
     EXPECT_TRUE(buttons.contains(QStringLiteral("Отказ")))
         << buttons.join(QLatin1Char(',')).toStdString();
@@ -202,33 +203,51 @@ TEST_F(FirstUseTest, TheMainWindowAndTheEditorsFitASmallScreenAtDoubleScale)
 TEST_F(FirstUseTest, ALongReportShowsItsProgressAndStopsWhenCancelled)
 {
     start(20000);
-    int planned = 0;
-    std::optional<user::ExpectDialog> preview;
-    user::ExpectDialog progress([&](QDialog* d) {
-        auto* bar = qobject_cast<QProgressDialog*>(d);
-        ASSERT_NE(bar, nullptr) << d->windowTitle().toStdString();
-        EXPECT_TRUE(d->findChild<QLabel*>()->text().startsWith(
-            QString::fromUtf8(ReportPrinter::kPreparingText)));
-        EXPECT_EQ(QGuiApplication::overrideCursor() ? QGuiApplication::overrideCursor()->shape()
-                                                    : Qt::ArrowCursor,
-                  Qt::WaitCursor);
-        planned = bar->maximum();
-        preview.emplace([&](QDialog* p) {
-            // The pages laid out before the stop are shown; the rest never were.
-            const int shown = p->findChild<QPrintPreviewWidget*>()->pageCount();
-            EXPECT_GT(shown, 0);
-            EXPECT_LT(shown, planned);
-            QTest::keyClick(p, Qt::Key_Escape);
+    // The preview and the PDF alike: a progress that can be stopped, a busy cursor meanwhile.
+    const QString pdf = m_dir.filePath(QStringLiteral("справка.pdf"));
+    const QStringList commands[] = {
+        {QStringLiteral("Файл"), QStringLiteral("Предпечатен изглед на справката ...")},
+        {QStringLiteral("Файл"), QStringLiteral("Запиши справката като PDF ...")}};
+    for (const QStringList& command : commands) {
+        SCOPED_TRACE(command.back().toStdString());
+        const bool toPdf = command.back().contains(QStringLiteral("PDF"));
+        m_host.exportPaths = {pdf.toStdString()};
+        m_prompter.clear();
+        int planned = 0;
+        std::optional<user::ExpectDialog> preview;
+        user::ExpectDialog progress([&](QDialog* d) {
+            auto* bar = qobject_cast<QProgressDialog*>(d);
+            ASSERT_NE(bar, nullptr) << d->windowTitle().toStdString();
+            EXPECT_TRUE(d->findChild<QLabel*>()->text().startsWith(
+                QString::fromUtf8(ReportPrinter::kPreparingText)));
+            EXPECT_EQ(QGuiApplication::overrideCursor() ? QGuiApplication::overrideCursor()->shape()
+                                                        : Qt::ArrowCursor,
+                      Qt::WaitCursor);
+            planned = bar->maximum();
+            if (!toPdf) {
+                preview.emplace([&](QDialog* p) {
+                    // The pages laid out before the stop are shown, and the title says so.
+                    const int shown = p->findChild<QPrintPreviewWidget*>()->pageCount();
+                    EXPECT_GT(shown, 0);
+                    EXPECT_LT(shown, planned);
+                    EXPECT_TRUE(p->windowTitle().contains(QStringLiteral("непълен")));
+                    EXPECT_TRUE(p->windowTitle().contains(QString::number(planned)));
+                    QTest::keyClick(p, Qt::Key_Escape);
+                });
+            }
+            user::click(user::button(d, QStringLiteral("Отказ")));
         });
-        user::click(user::button(d, QStringLiteral("Отказ")));
-    });
-    user::chooseMenu(m_frame.get(), {QStringLiteral("Файл"),
-                                     QStringLiteral("Предпечатен изглед на справката ...")});
-    progress.verify();
-    ASSERT_TRUE(preview.has_value());
-    preview->verify();
-    EXPECT_GT(planned, 100);
-    EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr);
+        user::chooseMenu(m_frame.get(), command);
+        progress.verify();
+        if (preview) {
+            preview->verify();
+        }
+        EXPECT_GT(planned, 100);
+        EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr);
+        // A stopped PDF leaves no file and no complaint.
+        EXPECT_TRUE(QDir(m_dir.path()).entryList({QStringLiteral("справка*")}).isEmpty());
+        EXPECT_TRUE(m_prompter.messages().empty());
+    }
 }
 
 TEST_F(FirstUseTest, AnOperationSavedOutsideTheShownPeriodIsToldInTheStatusBar)

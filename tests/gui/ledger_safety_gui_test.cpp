@@ -372,8 +372,8 @@ namespace {
 // Scripted file dialogs, but the desktop program's own way out of the program.
 class ExitingHost final : public DocumentHost {
 public:
-    std::optional<std::string> chooseSavePath() override { return std::nullopt; }
-    std::optional<std::string> chooseOpenPath(const std::string&) override
+    std::optional<std::string> chooseSavePath(const std::string&) override { return std::nullopt; }
+    std::optional<std::string> chooseOpenPath(const std::string&, const std::string&) override
     {
         if (openPaths.empty()) {
             return std::nullopt;

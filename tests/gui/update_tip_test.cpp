@@ -115,16 +115,22 @@ TEST_F(HelpMenu, TheUpdateCheckComparesTheFirstNumberOfTheVersionFile)
     EXPECT_EQ(r.opened[0], QUrl(QStringLiteral("https://example.org/finora-1.6.exe")));
 }
 
-TEST_F(HelpMenu, NoServerMeansTheLatestVersionAndNoRefusalAsks)
+TEST_F(HelpMenu, AServerThatCannotBeReachedIsSaidSoAndNoRefusalAsks)
 {
     QTcpServer closed;
     closed.listen(QHostAddress::LocalHost);
     const QUrl nowhere(QStringLiteral("http://127.0.0.1:%1/version.txt").arg(closed.serverPort()));
     closed.close();
-    useVersionFile(nowhere);
-    checkForUpdates();
-    ASSERT_EQ(m_prompter.messages().size(), 2u);
-    EXPECT_EQ(m_prompter.messages()[1].text, UpdateCheck::kLatestText);
+    LoopbackServer withoutTheFile({});
+    for (const QUrl& unread : {nowhere, withoutTheFile.url("/version.txt")}) {
+        SCOPED_TRACE(unread.toString().toStdString());
+        m_prompter.clear();
+        useVersionFile(unread);
+        checkForUpdates();
+        ASSERT_EQ(m_prompter.messages().size(), 2u);
+        EXPECT_NE(m_prompter.messages()[1].text, UpdateCheck::kLatestText);
+        EXPECT_EQ(m_prompter.messages()[1].icon, MessageIcon::Error);
+    }
 
     m_prompter.clear();
     m_prompter.queue(Answer::No);

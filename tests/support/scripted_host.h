@@ -14,16 +14,19 @@ namespace finora::test {
 // requests to end.
 class ScriptedHost final : public DocumentHost {
 public:
-    std::optional<std::string> chooseOpenPath(const std::string& caption) override
+    std::optional<std::string> chooseOpenPath(const std::string& caption,
+                                              const std::string& folder) override
     {
         runWhileOpen();
         openCaptions.push_back(caption);
+        folders.push_back(folder);
         return next(openPaths);
     }
-    std::optional<std::string> chooseSavePath() override
+    std::optional<std::string> chooseSavePath(const std::string& folder) override
     {
         runWhileOpen();
         ++dialogs;
+        folders.push_back(folder);
         return next(paths);
     }
     std::optional<std::string> chooseExportPath(const ExportRequest& request) override
@@ -41,6 +44,7 @@ public:
     // Runs while a dialog would be open, as the program's own event loop would then run.
     std::function<void()> whileOpen;
     std::vector<std::string> openCaptions;
+    std::vector<std::string> folders; // where each open or save dialog was asked to start
     std::vector<int> exits;
 
 private:

@@ -31,7 +31,12 @@ std::optional<std::string> acceptBackupFolder(std::string_view typed, Prompter& 
     const auto withPath = [&](const char* text) {
         prompter.show({kAppCaption, t + text, MessageIcon::None, MessageButtons::Ok});
     };
-    if (t == "//" || t.empty()) {
+    if (t.empty()) { // nothing to put in front of the line break
+        prompter.show(
+            {kAppCaption, "Това не е валидна директория.", MessageIcon::None, MessageButtons::Ok});
+        return std::nullopt;
+    }
+    if (t == "//") {
         withPath("\nТова не е валидна директория.");
         return std::nullopt;
     }

@@ -29,6 +29,9 @@ void CurrencyCashEditor::sortBy(int column)
 
 void CurrencyCashEditor::sortRows()
 {
+    if (m_sortColumn < 0) {
+        return;
+    }
     const auto c = static_cast<std::size_t>(m_sortColumn);
     const bool byText = m_sortColumn == 1;
     // "n/a" reads as 0, as the list has always sorted it.

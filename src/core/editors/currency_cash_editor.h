@@ -58,7 +58,7 @@ private:
     CFinoraDoc& m_doc;
     Prompter& m_prompter;
     std::vector<CashRow> m_rows;
-    int m_sortColumn = 1;
+    int m_sortColumn = -1; // none clicked yet: the first click on any column sorts it upwards
     bool m_ascending = true;
 };
 

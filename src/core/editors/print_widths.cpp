@@ -21,10 +21,17 @@ bool savePrintWidths(const PrintWidthTexts& texts, Settings& settings, Prompter&
     std::array<int, kPrintWidthFields.size()> widths{};
     for (std::size_t i = 0; i < kPrintWidthFields.size(); ++i) {
         double mm = 0.0;
-        // Beyond a metre and a half nothing fits on any paper: such a number is a typing slip.
-        if (!readNumberField(texts[i], mm) || std::fabs(mm) > 1500.0) {
+        if (!readNumberField(texts[i], mm)) {
             prompter.error(std::string("Моля, въведете число в полето \"") +
                                kPrintWidthFields[i].label + "\".",
+                           "Невалидна стойност");
+            return false;
+        }
+        // Beyond a metre and a half nothing fits on any paper (and the tenths must fit the
+        // stored integer): such a number is a typing slip, and it is named as one.
+        if (std::fabs(mm) > kMaxPrintWidthMm) {
+            prompter.error(std::string("Ширината в полето \"") + kPrintWidthFields[i].label +
+                               "\" не може да бъде повече от 1500 мм.",
                            "Невалидна стойност");
             return false;
         }

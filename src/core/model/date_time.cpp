@@ -76,6 +76,15 @@ DateTime DateTime::fromParts(const DateTimeParts& p)
     return fromParts(p.year, p.month, p.day, p.hour, p.minute, p.second);
 }
 
+double DateTime::calendarValue() const
+{
+    if (!(m_days < 0.0)) {
+        return m_days;
+    }
+    const double whole = std::trunc(m_days);
+    return whole + (whole - m_days);
+}
+
 bool DateTime::isValid() const
 {
     return m_status == Valid && m_days >= kMinDays && m_days <= kMaxDays;

@@ -53,14 +53,21 @@ public:
     std::string dateTimeText() const;   // 5-3-2004 9:7:2
     std::string paddedDateText() const; // 05-03-2004
 
-    // Ordering is by the day value alone; equality also asks for the same status.
+    // The day value on a scale that grows with the calendar. Before the epoch the stored
+    // fraction counts forward from a whole part that counts back, so the raw -1.5 (29 December,
+    // 12:00) is below -1.0 (its midnight); here it is -0.5. Every comparison of moments goes
+    // through this.
+    double calendarValue() const;
+
+    // Ordering follows the calendar, whatever the status; equality asks for the same stored
+    // value and status.
     bool operator==(const DateTime& other) const
     {
         return m_status == other.m_status && m_days == other.m_days;
     }
     std::partial_ordering operator<=>(const DateTime& other) const
     {
-        return m_days <=> other.m_days;
+        return calendarValue() <=> other.calendarValue();
     }
 
 private:

@@ -16,11 +16,13 @@ struct ExportRequest {
 class DocumentHost {
 public:
     virtual ~DocumentHost() = default;
-    // A save dialog with the ledger filter and an overwrite question; nullopt when cancelled.
-    virtual std::optional<std::string> chooseSavePath() = 0;
+    // A save dialog with the ledger filter and an overwrite question, opened in `folder` (the
+    // open ledger's; empty for the program's choice); nullopt when cancelled.
+    virtual std::optional<std::string> chooseSavePath(const std::string& folder) = 0;
     // An open dialog with the ledger filter, titled `caption` (UTF-8, empty for the usual
-    // title); nullopt when cancelled.
-    virtual std::optional<std::string> chooseOpenPath(const std::string& caption) = 0;
+    // title), opened in `folder`; nullopt when cancelled.
+    virtual std::optional<std::string> chooseOpenPath(const std::string& caption,
+                                                      const std::string& folder) = 0;
     // A save dialog for an export, with an overwrite question; nullopt when cancelled.
     virtual std::optional<std::string> chooseExportPath(const ExportRequest& request) = 0;
     // Ends the whole program with `status` once control returns to it; the caller stops at once.
@@ -31,8 +33,11 @@ public:
 // and a request to end just ends the command at hand.
 class NoDocumentHost final : public DocumentHost {
 public:
-    std::optional<std::string> chooseSavePath() override { return std::nullopt; }
-    std::optional<std::string> chooseOpenPath(const std::string&) override { return std::nullopt; }
+    std::optional<std::string> chooseSavePath(const std::string&) override { return std::nullopt; }
+    std::optional<std::string> chooseOpenPath(const std::string&, const std::string&) override
+    {
+        return std::nullopt;
+    }
     std::optional<std::string> chooseExportPath(const ExportRequest&) override
     {
         return std::nullopt;

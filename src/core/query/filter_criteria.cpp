@@ -39,18 +39,18 @@ void resetCriteria(FilterCriteria& criteria, const CFinoraDoc& doc, const DateTi
     // By the day value alone: an entry whose status says invalid or null (older and hand-made
     // files hold them) is in the scan like any other, and the period it gives is a valid one.
     // A day value no calendar can show stays out of it.
-    double earliest = now.days();
-    double latest = now.days();
+    DateTime earliest(now.days(), DateTime::Valid);
+    DateTime latest = earliest;
     DateTimeParts shown;
     for (const Operation& op : doc.ledger().operations) {
-        const double day = op.date().days();
-        if ((day < earliest || day > latest) && DateTime(day, DateTime::Valid).toParts(shown)) {
+        const DateTime day(op.date().days(), DateTime::Valid);
+        if ((day < earliest || day > latest) && day.toParts(shown)) {
             earliest = std::min(earliest, day);
             latest = std::max(latest, day);
         }
     }
-    criteria.from = DateTime(earliest, DateTime::Valid);
-    criteria.to = DateTime(latest, DateTime::Valid);
+    criteria.from = earliest;
+    criteria.to = latest;
     criteria.typeFilter = 0;
     criteria.currency = allCurrenciesItem();
     criteria.paidState = 0;

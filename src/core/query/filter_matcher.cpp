@@ -20,8 +20,8 @@ FilterMatcher::FilterMatcher(const FilterCriteria& criteria, const CFinoraDoc& d
     DateTimeParts from;
     DateTimeParts to;
     if (criteria.from.toParts(from) && criteria.to.toParts(to)) {
-        m_from = DateTime::fromParts(from.year, from.month, from.day, 0, 0, 0).days();
-        m_to = DateTime::fromParts(to.year, to.month, to.day, 23, 59, 59).days();
+        m_from = DateTime::fromParts(from.year, from.month, from.day, 0, 0, 0).calendarValue();
+        m_to = DateTime::fromParts(to.year, to.month, to.day, 23, 59, 59).calendarValue();
         m_periodValid = true;
     }
     if (!m_allCurrencies) {
@@ -50,7 +50,7 @@ bool FilterMatcher::matches(const Operation& op) const
     if (!categoryPasses(op.categoryId())) {
         return false;
     }
-    const double day = op.date().days();
+    const double day = op.date().calendarValue();
     if (!m_periodValid || !(day >= m_from && day <= m_to)) {
         return false;
     }

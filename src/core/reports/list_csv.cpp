@@ -56,16 +56,4 @@ std::vector<int> allListColumns()
     return columns;
 }
 
-std::vector<int> shownListColumns(const Settings& settings)
-{
-    std::vector<int> columns;
-    columns.reserve(kListColumnCount);
-    for (int c = 0; c < kListColumnCount; ++c) {
-        if (columnWidth(c, settings) > 0) {
-            columns.push_back(c);
-        }
-    }
-    return columns;
-}
-
 } // namespace finora

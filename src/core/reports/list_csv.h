@@ -12,9 +12,9 @@ namespace finora {
 // lines ended by CRLF, a field quoted only when it holds a comma, a quote or a line break.
 void writeListCsv(std::ostream& out, const OperationsList& list, const std::vector<int>& columns);
 
-// Every column in order, the id columns included: what a script gets from finora-cli export.
+// Every column in order, the id columns included: what finora-cli export and the desktop
+// program's "Запиши списъка като CSV ..." write, whatever the window hides, so a script reads
+// either file the same way.
 std::vector<int> allListColumns();
-// The columns the window shows now, in order: the user's hidden ones and the id columns left out.
-std::vector<int> shownListColumns(const Settings& settings);
 
 } // namespace finora

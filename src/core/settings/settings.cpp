@@ -28,7 +28,7 @@ struct IntSpec {
 
 // In the order of IntSetting.
 constexpr std::array<IntSpec, 20> kIntSpecs = {{
-    {kSettings, "OpType", 2},
+    {kSettings, "OpType", 2, 0, 2, 2},
     {kSettings, "LastOpType", 0, INT_MIN, 1, 0},
     {kSettings, "AutoSave", 0},
     {kSettings, "ShowForTodayOnOpen", 0},

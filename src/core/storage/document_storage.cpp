@@ -287,7 +287,7 @@ bool DocumentStorage::unchangedOnDisk(const std::string& path) const
 
 bool DocumentStorage::saveUnderAnotherName()
 {
-    const auto chosen = m_host.chooseSavePath();
+    const auto chosen = m_host.chooseSavePath(folderOf(m_doc.path()));
     if (!chosen) {
         return fail(SaveFailure::Cancelled);
     }
@@ -364,6 +364,9 @@ bool DocumentStorage::save(const std::string& path)
     ContentHash hash;
     hash.update(*bytes);
     m_diskState->hash = hash.value();
+    if (!ownFile) { // a first save or one under another name
+        m_settings.addRecentFile(path);
+    }
     m_doc.setPath(path);
     m_doc.setModified(false);
     return true;

@@ -169,6 +169,11 @@ std::string pathToUtf8(const fs::path& path)
     return std::string(s.begin(), s.end());
 }
 
+std::string folderOf(std::string_view utf8Path)
+{
+    return pathToUtf8(pathFromUtf8(utf8Path).parent_path());
+}
+
 std::string fileNameOf(std::string_view utf8Path)
 {
     return pathToUtf8(pathFromUtf8(utf8Path).filename());

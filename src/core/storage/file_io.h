@@ -15,6 +15,8 @@ std::string pathToUtf8(const std::filesystem::path& path);
 
 // The file name and extension without the folder, as UTF-8.
 std::string fileNameOf(std::string_view utf8Path);
+// The folder that holds the file, as UTF-8; empty for an empty path.
+std::string folderOf(std::string_view utf8Path);
 
 // NameTooLong: longer than the system takes; BadName: a name that is not valid UTF-8 (the
 // system's name could not be decoded); TooLarge: more than memory can hold.

@@ -259,24 +259,21 @@ ImportResult mergeInto(CFinoraDoc& doc, const Ledger& other, Prompter& prompter)
     }
 
     CFinoraDoc::ChangeBatch batch(doc);
-    // The new category is made, and said, with the first entry that goes into it: an import that
-    // adds nothing leaves the ledger as it was.
+    // Trees that differ get their new category, and the user is told, before any entry is
+    // looked at: even when every entry turns out to be here already.
     std::int32_t importCategory = 0;
+    if (!treesMatch) {
+        const std::string name = importCategoryName(doc.clock().now());
+        doc.addCategory(name, 0); // refused for a second import within the same second, which
+                                  // then shares the first one's category
+        const Category* made =
+            ours.findIf([&](const Category& c) { return c.parentId() == 0 && c.name() == name; });
+        importCategory = made ? made->id() : 0;
+        result.importCategory = name;
+        prompter.warn(kImportMismatchText, kImportMismatchCaption);
+    }
     const auto categoryOf = [&](const Operation& op) {
-        if (treesMatch) {
-            return categoryMap.at(op.categoryId());
-        }
-        if (!result.importCategory) {
-            const std::string name = importCategoryName(doc.clock().now());
-            doc.addCategory(name, 0); // refused for a second import within the same second,
-                                      // which then shares the first one's category
-            const Category* made = ours.findIf(
-                [&](const Category& c) { return c.parentId() == 0 && c.name() == name; });
-            importCategory = made ? made->id() : 0;
-            result.importCategory = name;
-            prompter.warn(kImportMismatchText, kImportMismatchCaption);
-        }
-        return importCategory;
+        return treesMatch ? categoryMap.at(op.categoryId()) : importCategory;
     };
 
     // Currencies by name; the main currency is "BGL" on both sides. One the open ledger lacks

@@ -10,6 +10,9 @@ DateField::DateField(QWidget* parent) : QDateEdit(parent)
 {
     setCalendarPopup(true);
     setDisplayFormat(QStringLiteral("dd-MM-yyyy"));
+    // Every day a ledger can hold; Qt's own floor (1752) would move an older date up to it and
+    // hide the entries before it.
+    setDateRange(QDate(100, 1, 1), QDate(9999, 12, 31));
 }
 
 void DateField::keyPressEvent(QKeyEvent* event)

@@ -410,15 +410,15 @@ void CMainFrame::checkForUpdate()
 
 void CMainFrame::startCalculator()
 {
-    // The first of the desktop's calculators that is installed.
-    for (const char* program : {"gnome-calculator", "kcalc", "qalculate-gtk", "galculator",
-                                "mate-calc", "xcalc", "calc.exe"}) {
-        const QString found = QStandardPaths::findExecutable(QString::fromLatin1(program));
+    QStringList names;
+    for (const char* program : kCalculators) {
+        names << QString::fromLatin1(program);
+        const QString found = QStandardPaths::findExecutable(names.back());
         if (!found.isEmpty() && QProcess::startDetached(found, {})) {
             return;
         }
     }
-    m_prompter.error(tr(kCalculatorMissingText).toStdString(),
+    m_prompter.error(tr(kCalculatorMissingText).arg(names.join(QStringLiteral(", "))).toStdString(),
                      tr("Липсваща програма").toStdString());
 }
 

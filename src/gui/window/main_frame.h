@@ -125,8 +125,13 @@ public:
     // Up to four ledgers, the latest first.
     QStringList recentFiles() const;
 
+    // F9 starts the first of these that is installed; %1 is the list.
+    static constexpr std::array<const char*, 7> kCalculators = {
+        "gnome-calculator", "kcalc", "qalculate-gtk", "galculator",
+        "mate-calc",        "xcalc", "calc.exe"};
     static constexpr const char* kCalculatorMissingText =
-        QT_TR_NOOP("Калкулаторът на Windows не беше открит. Моля, инсталирайте го.");
+        QT_TR_NOOP("Не беше открит калкулатор. Търсени бяха програмите:\n%1.\nМоля, "
+                   "инсталирайте една от тях.");
 
     // "За програмата ...": the version, the licence and the Qt it runs on.
     static Message aboutMessage();

@@ -101,7 +101,7 @@ void CMainFrame::fillRecentMenu()
 
 void CMainFrame::openWithDialog()
 {
-    if (const auto path = m_host.chooseOpenPath({})) {
+    if (const auto path = m_host.chooseOpenPath({}, folderOf(m_doc.path()))) {
         openLedger(QString::fromStdString(*path));
     }
 }
@@ -114,7 +114,7 @@ void CMainFrame::save()
 
 void CMainFrame::saveAs()
 {
-    if (const auto path = m_host.chooseSavePath()) {
+    if (const auto path = m_host.chooseSavePath(folderOf(m_doc.path()))) {
         m_storage.save(*path);
     }
     updateTitle();
@@ -125,8 +125,8 @@ void CMainFrame::importLedgerFile()
     if (refuseWhenLocked(m_doc, m_prompter)) {
         return;
     }
-    const auto path =
-        m_host.chooseOpenPath(tr("Импортиране на данни от друг документ").toStdString());
+    const auto path = m_host.chooseOpenPath(
+        tr("Импортиране на данни от друг документ").toStdString(), folderOf(m_doc.path()));
     if (!path) {
         return;
     }
@@ -138,11 +138,8 @@ void CMainFrame::importLedgerFile()
 std::optional<std::string> CMainFrame::chooseExportFile(const QString& title, const char* filter,
                                                         std::string_view extension)
 {
-    const std::string folder =
-        m_doc.path().empty() ? std::string()
-                             : QFileInfo(QString::fromStdString(m_doc.path())).path().toStdString();
     std::optional<std::string> path =
-        m_host.chooseExportPath({title.toStdString(), filter, folder});
+        m_host.chooseExportPath({title.toStdString(), filter, folderOf(m_doc.path())});
     if (path && !QString::fromStdString(*path).endsWith(QString::fromLatin1(extension),
                                                         Qt::CaseInsensitive)) {
         *path += extension;
@@ -153,7 +150,8 @@ std::optional<std::string> CMainFrame::chooseExportFile(const QString& title, co
 void CMainFrame::exportReportPdf()
 {
     const auto path = chooseExportFile(tr("Запиши справката като PDF"), "PDF (*.pdf)", ".pdf");
-    if (path && !m_report.exportPdf(QString::fromStdString(*path))) {
+    if (path && m_report.exportPdf(QString::fromStdString(*path), this) ==
+                    ReportPrinter::PdfResult::Failed) {
         m_prompter.error(tr("Справката не беше записана в %1.")
                              .arg(QString::fromStdString(*path))
                              .toStdString());
@@ -167,7 +165,7 @@ void CMainFrame::exportListCsv()
         return;
     }
     std::ostringstream csv;
-    writeListCsv(csv, m_view->list(), shownListColumns(m_settings));
+    writeListCsv(csv, m_view->list(), allListColumns());
     FileError error = FileError::None;
     if (!writeFileAtomically(*path, csv.str(), &error)) {
         m_prompter.error(

@@ -8,21 +8,23 @@ namespace finora {
 const char* const QtDocumentHost::kLedgerFilter =
     QT_TR_NOOP("Файлове на Finora (*.fnr);;Всички файлове (*.*)");
 
-std::optional<std::string> QtDocumentHost::chooseSavePath()
+std::optional<std::string> QtDocumentHost::chooseSavePath(const std::string& folder)
 {
     // No default extension: a name typed without ".fnr" is saved as typed.
-    const QString path =
-        QFileDialog::getSaveFileName(m_parent, QString(), QString(), tr(kLedgerFilter));
+    const QString path = QFileDialog::getSaveFileName(
+        m_parent, QString(), QString::fromStdString(folder), tr(kLedgerFilter));
     if (path.isEmpty()) {
         return std::nullopt;
     }
     return path.toStdString();
 }
 
-std::optional<std::string> QtDocumentHost::chooseOpenPath(const std::string& caption)
+std::optional<std::string> QtDocumentHost::chooseOpenPath(const std::string& caption,
+                                                          const std::string& folder)
 {
-    const QString path = QFileDialog::getOpenFileName(m_parent, QString::fromStdString(caption),
-                                                      QString(), tr(kLedgerFilter));
+    const QString path =
+        QFileDialog::getOpenFileName(m_parent, QString::fromStdString(caption),
+                                     QString::fromStdString(folder), tr(kLedgerFilter));
     if (path.isEmpty()) {
         return std::nullopt;
     }

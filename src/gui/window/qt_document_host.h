@@ -16,8 +16,9 @@ class QtDocumentHost final : public DocumentHost {
 public:
     explicit QtDocumentHost(QWidget* parent = nullptr) : m_parent(parent) {}
     void setParent(QWidget* parent) { m_parent = parent; }
-    std::optional<std::string> chooseSavePath() override;
-    std::optional<std::string> chooseOpenPath(const std::string& caption) override;
+    std::optional<std::string> chooseSavePath(const std::string& folder) override;
+    std::optional<std::string> chooseOpenPath(const std::string& caption,
+                                              const std::string& folder) override;
     std::optional<std::string> chooseExportPath(const ExportRequest& request) override;
     // Leaves the event loop with `status`; asked before the loop runs, main() returns it.
     // Either way every destructor runs, so queued backups are finished and locks let go.

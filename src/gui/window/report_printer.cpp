@@ -1,13 +1,20 @@
 #include "gui/window/report_printer.h"
 
+#include "core/storage/file_io.h"
 #include "render/report_painter.h"
 
+#include <QFile>
 #include <QGuiApplication>
 #include <QPageSetupDialog>
 #include <QPrintDialog>
 #include <QPrintPreviewDialog>
 #include <QProgressDialog>
 #include <algorithm>
+#include <filesystem>
+#include <system_error>
+#if defined(__GLIBC__)
+#include <malloc.h>
+#endif
 
 namespace finora {
 
@@ -51,6 +58,7 @@ ReportPrinter::Painted ReportPrinter::paintShowingProgress(QPrinter& printer, bo
     painted.pages = paintReport(
         printer, m_list, reportContext(m_doc, m_list), m_settings, selectionOnly,
         [&](int page, int count) {
+            painted.planned = count;
             progress.setMaximum(count);
             progress.setLabelText(tr(kPreparingText) + QLatin1Char('\n') +
                                   tr("страница %1 от %2").arg(page).arg(count));
@@ -83,13 +91,34 @@ void ReportPrinter::print(QWidget* parent)
 
 void ReportPrinter::preview(QWidget* parent)
 {
-    QPrintPreviewDialog dialog(m_printer.get(), parent);
-    dialog.setWindowTitle(tr("Предпечатен изглед на справката"));
-    QObject::connect(
-        &dialog, &QPrintPreviewDialog::paintRequested, &dialog,
-        [this, &dialog](QPrinter* printer) { paintShowingProgress(*printer, false, &dialog); });
-    dialog.resize(900, 700);
-    dialog.exec();
+    {
+        // A printer of its own: Qt keeps a preview's page pictures in the printer until its next
+        // preview, and the program's printer lives as long as the window.
+        QPrinter printer(QPrinter::HighResolution);
+        printer.setPrinterName(m_printer->printerName());
+        printer.setPageLayout(m_printer->pageLayout());
+        printer.setColorMode(m_printer->colorMode());
+        QPrintPreviewDialog dialog(&printer, parent);
+        const QString title = tr("Предпечатен изглед на справката");
+        QObject::connect(&dialog, &QPrintPreviewDialog::paintRequested, &dialog,
+                         [this, &dialog, title](QPrinter* printer) {
+                             const Painted painted = paintShowingProgress(*printer, false, &dialog);
+                             dialog.setWindowTitle(
+                                 painted.stopped ? tr("%1 (непълен: спрян след %2 от %3 страници)")
+                                                       .arg(title)
+                                                       .arg(painted.pages)
+                                                       .arg(painted.planned)
+                                                 : title);
+                         });
+        dialog.resize(900, 700);
+        dialog.exec();
+        m_printer->setPageLayout(printer.pageLayout()); // the preview's paper and orientation stay
+    }
+    // A preview of a million rows holds gigabytes of page pictures; freed, they would stay with
+    // the allocator and the program would keep that size until it ends.
+#if defined(__GLIBC__)
+    malloc_trim(0);
+#endif
 }
 
 void ReportPrinter::pageSetup(QWidget* parent)
@@ -98,15 +127,31 @@ void ReportPrinter::pageSetup(QWidget* parent)
     dialog.exec();
 }
 
-bool ReportPrinter::exportPdf(const QString& path)
+ReportPrinter::PdfResult ReportPrinter::exportPdf(const QString& path, QWidget* parent)
 {
-    QPrinter pdf(QPrinter::HighResolution);
-    pdf.setOutputFormat(QPrinter::PdfFormat);
-    pdf.setOutputFileName(path);
-    pdf.setPageLayout(m_printer->pageLayout());
-    pdf.setCreator(QStringLiteral("Finora"));
-    pdf.setDocName(tr("Справка"));
-    return paint(pdf, false) > 0;
+    // Written beside the target and moved over it only when whole: a stop or a failure half way
+    // leaves an earlier file of that name untouched.
+    const QString part = path + QStringLiteral(".part");
+    Painted painted;
+    {
+        QPrinter pdf(QPrinter::HighResolution);
+        pdf.setOutputFormat(QPrinter::PdfFormat);
+        pdf.setOutputFileName(part);
+        pdf.setPageLayout(m_printer->pageLayout());
+        pdf.setCreator(QStringLiteral("Finora"));
+        pdf.setDocName(tr("Справка"));
+        painted = paintShowingProgress(pdf, false, parent);
+    }
+    std::error_code error;
+    if (painted.pages > 0 && !painted.stopped) {
+        std::filesystem::rename(pathFromUtf8(part.toStdString()), pathFromUtf8(path.toStdString()),
+                                error);
+        if (!error) {
+            return PdfResult::Written;
+        }
+    }
+    QFile::remove(part);
+    return painted.stopped ? PdfResult::Stopped : PdfResult::Failed;
 }
 
 } // namespace finora

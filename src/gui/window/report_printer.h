@@ -26,13 +26,16 @@ public:
 
     // "&Печат ...": the print dialog, with the choice of printing the selection.
     void print(QWidget* parent);
-    // "Предпе&чатен изглед на справката ...".
+    // "Предпе&чатен изглед на справката ...". A preview stopped half way says so in its title;
+    // the memory of its pages goes back to the system when it closes.
     void preview(QWidget* parent);
     // "Настро&йка на печата ...": paper and orientation for the prints that follow.
     void pageSetup(QWidget* parent);
-    // The whole list into a PDF file with the current paper and orientation; false when the
-    // list is empty or the file cannot be written.
-    bool exportPdf(const QString& path);
+    // The whole list into a PDF file with the current paper and orientation, showing its
+    // progress over `parent`. A stopped or failed export leaves any file at `path` as it was;
+    // Failed when the list is empty or the file cannot be written.
+    enum class PdfResult { Written, Stopped, Failed };
+    PdfResult exportPdf(const QString& path, QWidget* parent);
 
     QPrinter& printer() { return *m_printer; }
 
@@ -41,6 +44,7 @@ public:
     // The same, with a progress dialog that can stop it and a busy cursor while it works.
     struct Painted {
         int pages = 0;
+        int planned = 0; // the pages of the whole report
         bool stopped = false;
     };
     Painted paintShowingProgress(QPrinter& printer, bool selectionOnly, QWidget* parent) const;

@@ -16,7 +16,7 @@ UpdateCheck::UpdateCheck(Prompter& prompter, QUrl versionFile, Opener open, int 
       m_timeoutMs(timeoutMs)
 {}
 
-QString UpdateCheck::firstLine(const QUrl& address) const
+std::optional<QString> UpdateCheck::firstLine(const QUrl& address) const
 {
     QNetworkAccessManager network;
     QNetworkRequest request(address);
@@ -31,7 +31,7 @@ QString UpdateCheck::firstLine(const QUrl& address) const
     if (!reply->isFinished()) {
         loop.exec();
     }
-    QString line;
+    std::optional<QString> line;
     if (reply->isFinished() && reply->error() == QNetworkReply::NoError) {
         line = QString::fromUtf8(reply->readLine(4096)).trimmed();
     }
@@ -47,13 +47,19 @@ void UpdateCheck::run()
             tr("Връзка с интернет").toStdString(), MessageIcon::Question) != Answer::Yes) {
         return;
     }
-    const double latest = parseNumber(firstLine(m_versionFile).toStdString());
+    const std::optional<QString> versionLine = firstLine(m_versionFile);
+    if (!versionLine) {
+        m_prompter.error(tr(kUnreachableText).toStdString(), tr("Връзка с интернет").toStdString());
+        return;
+    }
+    const double latest = parseNumber(versionLine->toStdString());
     if (!(latest > kOwnVersion)) {
         m_prompter.show({"", tr(kLatestText).toStdString(), MessageIcon::None, MessageButtons::Ok});
         return;
     }
     const QString address =
-        firstLine(m_versionFile.resolved(QUrl(QString::fromLatin1(kDownloadFileName))));
+        firstLine(m_versionFile.resolved(QUrl(QString::fromLatin1(kDownloadFileName))))
+            .value_or(QString());
     const QString text = tr("Най-новата версия на продукта Finora е %1, а копието, с което "
                             "работите е %2.\nЖелаете ли да изтеглите новата версия на програмата "
                             "сега?\n\nURL на файла е: %3")

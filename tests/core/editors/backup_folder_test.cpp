@@ -65,6 +65,8 @@ TEST(BackupFolder, FilesAndNonsenseAreRefusedWithThePathInFront)
     EXPECT_EQ(lastText(prompter), "/tmp/a.fnr\nТова е файл, не директория.");
     EXPECT_FALSE(acceptBackupFolder("//", prompter, probe));
     EXPECT_EQ(lastText(prompter), "//\nТова не е валидна директория.");
+    EXPECT_FALSE(acceptBackupFolder("", prompter, probe));
+    EXPECT_EQ(lastText(prompter), "Това не е валидна директория.");
     EXPECT_TRUE(probe.created.empty());
 }
 

@@ -283,6 +283,9 @@ TEST_F(CurrencyCashTest, DeletingAsksFirstAndKeepsCurrenciesInUse)
 TEST_F(CurrencyCashTest, SortsNumbersAsNumbersAndTurnsRoundOnASecondClick)
 {
     CurrencyCashEditor e(m_doc, m_settings, m_prompter);
+    e.sortBy(1); // the first click on the name sorts A to Z
+    EXPECT_TRUE(e.sortAscending());
+    EXPECT_EQ(names(e), (std::vector<std::string>{"BGL", "EUR", "USD"}));
     e.sortBy(5); // record counts 1, 1, 0
     EXPECT_EQ(names(e).front(), "USD");
     e.sortBy(2); // in stock 5, 100, 0: as numbers 100 is the largest

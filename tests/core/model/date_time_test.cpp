@@ -133,17 +133,27 @@ TEST(DateTime, TextForms)
     EXPECT_EQ(DateTime::fromParts(150, 7, 4).paddedDateText(), "04-07-150");
 }
 
-TEST(DateTime, ComparesByDayValueAndTestsTheSameDay)
+TEST(DateTime, ComparesInCalendarOrderAndTestsTheSameDay)
 {
-    const DateTime morning = DateTime::fromParts(2004, 3, 5, 0, 0, 1);
-    const DateTime evening = DateTime::fromParts(2004, 3, 5, 23, 59, 59);
-    const DateTime nextMidnight = DateTime::fromParts(2004, 3, 6);
-    EXPECT_LT(morning, evening);
-    EXPECT_GT(nextMidnight, evening);
-    EXPECT_LE(morning, morning);
-    EXPECT_GE(evening, morning);
-    EXPECT_TRUE(morning.isSameDay(evening));
-    EXPECT_FALSE(evening.isSameDay(nextMidnight));
+    // Before 30 December 1899 the raw day values of one day run backwards; the order must not.
+    for (const DateTimeParts day : {DateTimeParts{2004, 3, 5}, DateTimeParts{1899, 12, 29},
+                                    DateTimeParts{1776, 12, 31}, DateTimeParts{1025, 2, 28}}) {
+        SCOPED_TRACE(DateTime::fromParts(day).dateText());
+        const DateTime midnight = DateTime::fromParts(day.year, day.month, day.day);
+        const DateTime morning = DateTime::fromParts(day.year, day.month, day.day, 0, 0, 1);
+        const DateTime noon = DateTime::fromParts(day.year, day.month, day.day, 12);
+        const DateTime evening = DateTime::fromParts(day.year, day.month, day.day, 23, 59, 59);
+        const DateTime nextMidnight = DateTime::fromParts(day.year, day.month, day.day + 1);
+        EXPECT_LT(midnight, morning);
+        EXPECT_LT(morning, noon);
+        EXPECT_LT(noon, evening);
+        EXPECT_GT(nextMidnight, evening);
+        EXPECT_LE(morning, morning);
+        EXPECT_GE(evening, morning);
+        EXPECT_TRUE(morning.isSameDay(evening));
+        EXPECT_FALSE(evening.isSameDay(nextMidnight));
+    }
+    EXPECT_LT(DateTime::fromParts(1899, 12, 29, 23, 59, 59), DateTime::fromParts(1899, 12, 30));
     EXPECT_FALSE(DateTime::fromParts(2004, 3, 5).isSameDay(DateTime::fromParts(2003, 3, 5)));
     EXPECT_TRUE(DateTime(38051.0, DateTime::Null).isSameDay(DateTime(1.0, DateTime::Invalid)));
     EXPECT_FALSE(DateTime(38051.0, DateTime::Null).isSameDay(DateTime::fromParts(2004, 3, 5)));

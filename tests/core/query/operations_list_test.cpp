@@ -94,6 +94,26 @@ TEST_F(ListTest, RefreshShowsTheLedgerReversedWithTheBottomRowSelected)
     EXPECT_EQ(totals(), (std::vector<std::string>{"2000.00 BGL", "112.30 BGL", "1887.70 BGL"}));
 }
 
+TEST_F(ListTest, NoFilterShowsEveryDayBeforeAndAfter1900)
+{
+    // At noon before 1900 the raw day value lies below that day's midnight.
+    doc.deleteAllOperations();
+    for (const DateTime date :
+         {DateTime::fromParts(1776, 12, 31, 12), DateTime::fromParts(1900, 1, 1, 12),
+          DateTime::fromParts(1776, 12, 31, 18), DateTime::fromParts(1025, 6, 1, 6)}) {
+        doc.addOperation(Operation(0, date, "x", kExpense, 1, 1.0, 0, 1.0, "", {}, 1, 0));
+    }
+    resetCriteria(list.criteria(), doc, clock.now());
+    list.refresh();
+    EXPECT_EQ(column(kColDate),
+              (std::vector<std::string>{"01-06-1025", "31-12-1776", "01-01-1900", "31-12-1776"}));
+    EXPECT_EQ(totals()[1], "4.00 BGL");
+    list.criteria().from = DateTime::fromParts(1776, 12, 31);
+    list.criteria().to = DateTime::fromParts(1776, 12, 31);
+    list.refresh();
+    EXPECT_EQ(list.rowCount(), 2u);
+}
+
 TEST_F(ListTest, CellTexts)
 {
     list.refresh();

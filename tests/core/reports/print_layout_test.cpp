@@ -185,9 +185,20 @@ TEST(PrintWidths, ShownInMillimetresKeptInTenthsAndRefusedWhole)
     ASSERT_TRUE(savePrintWidths(texts, settings, prompter));
     EXPECT_EQ(settings.value(IntSetting::DateWidth), 255);
     EXPECT_EQ(settings.value(IntSetting::TypeWidth), 90);
-    texts[1] = "много";
     texts[0] = "30";
-    EXPECT_FALSE(savePrintWidths(texts, settings, prompter));
-    EXPECT_EQ(prompter.messages().back().text, "Моля, въведете число в полето \"категория\".");
-    EXPECT_EQ(settings.value(IntSetting::DateWidth), 255); // nothing written
+    // A word and a number past the limit are refused for different reasons.
+    std::string notANumber;
+    for (const char* refused : {"много", "1500.5", "-2000"}) {
+        SCOPED_TRACE(refused);
+        texts[1] = refused;
+        EXPECT_FALSE(savePrintWidths(texts, settings, prompter));
+        const std::string told = prompter.messages().back().text;
+        EXPECT_NE(told.find("\"категория\""), std::string::npos);
+        if (notANumber.empty()) {
+            notANumber = told;
+        } else {
+            EXPECT_NE(told, notANumber);
+        }
+        EXPECT_EQ(settings.value(IntSetting::DateWidth), 255); // nothing written
+    }
 }

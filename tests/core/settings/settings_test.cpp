@@ -3,6 +3,8 @@
 #include "core/text/cp1251.h"
 
 #include <gtest/gtest.h>
+#include <string>
+#include <tuple>
 
 using namespace finora;
 
@@ -47,20 +49,26 @@ TEST(Settings, ValuesAreWrittenUnderTheirSectionAndKey)
     EXPECT_EQ(Settings::keyName(IntSetting::ShowDataForSubCategories), "ShowDataForSubCategories");
 }
 
-TEST(Settings, OutOfRangeValuesReadAsZero)
+TEST(Settings, OutOfRangeValuesReadAsTheirFallback)
 {
     MemorySettingsStore store;
     const Settings s(store);
-    store.writeInt("Settings", "LastOpType", 5);
-    EXPECT_EQ(s.value(IntSetting::LastOpType), 0);
-    store.writeInt("Settings", "LastOpType", 1);
-    EXPECT_EQ(s.value(IntSetting::LastOpType), 1);
-    for (int stored : {-1, 3}) {
-        store.writeInt("Settings", "FixingSuggestMode", stored);
-        EXPECT_EQ(s.value(IntSetting::FixingSuggestMode), 0) << stored;
+    // setting, stored, read
+    const std::tuple<IntSetting, int, int> cases[] = {
+        {IntSetting::LastOpType, 5, 0},
+        {IntSetting::LastOpType, 1, 1},
+        {IntSetting::FixingSuggestMode, -1, 0},
+        {IntSetting::FixingSuggestMode, 3, 0},
+        {IntSetting::FixingSuggestMode, 2, 2},
+        {IntSetting::OpType, -1, 2},
+        {IntSetting::OpType, 3, 2},
+        {IntSetting::OpType, 0, 0},
+    };
+    for (const auto& [setting, stored, read] : cases) {
+        SCOPED_TRACE(std::string(Settings::keyName(setting)) + "=" + std::to_string(stored));
+        store.writeInt("Settings", Settings::keyName(setting), stored);
+        EXPECT_EQ(s.value(setting), read);
     }
-    store.writeInt("Settings", "FixingSuggestMode", 2);
-    EXPECT_EQ(s.value(IntSetting::FixingSuggestMode), 2);
 }
 
 TEST(Settings, DoubleClickOptionsExcludeEachOther)

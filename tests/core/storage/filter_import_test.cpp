@@ -204,7 +204,7 @@ TEST_F(ImportTest, AnotherTreeGoesIntoANewImportCategory)
     EXPECT_EQ(doc.categoryParent(doc.operation(4).categoryId()), 0);
 }
 
-TEST_F(ImportTest, OnlyTheCurrenciesAndCategoryThatAddedEntriesUseAreMade)
+TEST_F(ImportTest, OnlyUsedCurrenciesAreMadeAndAnotherTreeAlwaysGetsItsCategory)
 {
     // The other file lists currencies nobody there uses and a tree this ledger lacks, and its
     // only new entry is in a currency of its own.
@@ -229,20 +229,28 @@ TEST_F(ImportTest, OnlyTheCurrenciesAndCategoryThatAddedEntriesUseAreMade)
     EXPECT_EQ(doc.operation(doc.ledger().counters.nextOperationId).currencyId(),
               doc.currencyId("JPY"));
 
-    // Every entry already here, under a tree that does not match: nothing new at all, no
-    // category, no currency, no question about the trees.
-    CFinoraDoc same(clock);
-    same.replaceLedger(test::sampleLedger());
-    Ledger mismatched = same.ledger();
-    mismatched.currencies.append(Currency(50, "CHF"));
-    mismatched.categories.append(Category(60, "Garden", 0));
-    const std::string before = serializeLedger(same.ledger());
-    RecordingPrompter quiet;
-    const ImportResult none = importLedger(same, serializeLedger(mismatched), quiet);
-    EXPECT_EQ(none.added, 0);
-    EXPECT_FALSE(none.importCategory);
-    EXPECT_EQ(serializeLedger(same.ledger()), before);
-    EXPECT_EQ(quiet.messages().size(), 1u); // the result alone
+    // A tree that does not match is said and gets its category even when nothing is added:
+    // every entry already here, or none in the file.
+    for (const bool withEntries : {true, false}) {
+        SCOPED_TRACE(withEntries ? "every entry a duplicate" : "no entries");
+        CFinoraDoc same(clock);
+        same.replaceLedger(test::sampleLedger());
+        Ledger mismatched = same.ledger();
+        mismatched.currencies.append(Currency(50, "CHF"));
+        mismatched.categories.append(Category(60, "Garden", 0));
+        if (!withEntries) {
+            mismatched.operations.clear();
+        }
+        RecordingPrompter told;
+        const ImportResult none = importLedger(same, serializeLedger(mismatched), told);
+        EXPECT_EQ(none.added, 0);
+        ASSERT_TRUE(none.importCategory);
+        EXPECT_EQ(same.ledger().categories.rbegin()->name(), *none.importCategory);
+        EXPECT_EQ(same.currencyId("CHF"), -1);
+        ASSERT_EQ(told.messages().size(), 2u);
+        EXPECT_EQ(told.messages()[0].caption, kImportMismatchCaption);
+        EXPECT_EQ(told.messages()[1].caption, "Резултат");
+    }
 }
 
 TEST_F(ImportTest, UnreadableAndNewerFilesChangeNothing)
