@@ -353,17 +353,3 @@ TEST_F(MainFrameTest, AFilterFileOnTheCommandLineFiltersTheLedgerThatOpensAnyway
     ASSERT_EQ(m_prompter.messages().size(), 1u);
     EXPECT_EQ(lastMessage().icon, MessageIcon::Error);
 }
-
-TEST_F(MainFrameTest, EveryCommandHasItsOwnActionFoundByItsObjectName)
-{
-    QSet<QString> names;
-    for (std::size_t i = 0; i < CMainFrame::kCommandCount; ++i) {
-        QAction* action = m_frame->action(static_cast<CMainFrame::Command>(i));
-        ASSERT_NE(action, nullptr) << i;
-        EXPECT_TRUE(action->objectName().startsWith(QStringLiteral("action"))) << i;
-        EXPECT_FALSE(action->text().isEmpty()) << i;
-        EXPECT_EQ(m_frame->findChild<QAction*>(action->objectName()), action) << i;
-        names.insert(action->objectName());
-    }
-    EXPECT_EQ(static_cast<std::size_t>(names.size()), CMainFrame::kCommandCount);
-}
