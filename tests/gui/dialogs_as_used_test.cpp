@@ -2,6 +2,7 @@
 // key or menu, filled in with keys and clicks, closed with its button or key, and its outcome read
 // back from the window, the settings or the file.
 #include "core/editors/print_widths.h"
+#include "core/reports/print_layout.h"
 #include "core/text/cp1251.h"
 #include "support/desktop_session.h"
 #include "support/rendered_output.h"
@@ -145,7 +146,7 @@ TEST_F(DialogsAsUsed, PrintWidthsAreTypedInMillimetresAndAWordIsRefused)
     EXPECT_EQ(settings.value(IntSetting::DescrWidth), 555);
 }
 
-TEST_F(DialogsAsUsed, ThePageSetupTurnsThePreviewedReport)
+TEST_F(DialogsAsUsed, ThePageSetupTurnsThePreviewedReportAndThePreviewShowsEveryPage)
 {
     {
         user::ExpectDialog setup([](QDialog* d) {
@@ -159,15 +160,19 @@ TEST_F(DialogsAsUsed, ThePageSetupTurnsThePreviewedReport)
                          {QStringLiteral("Файл"), QStringLiteral("Настройка на печата ...")});
     }
     QPageLayout::Orientation shown = QPageLayout::Portrait;
+    int pages = -1;
     {
         user::ExpectDialog preview([&](QDialog* d) {
             shown = d->findChild<QPrintPreviewWidget*>()->orientation();
+            pages = d->findChild<QPrintPreviewWidget*>()->pageCount();
             QTest::keyClick(d, Qt::Key_Escape);
         });
         user::chooseMenu(m_frame.get(), {QStringLiteral("Файл"),
                                          QStringLiteral("Предпечатен изглед на справката ...")});
     }
     EXPECT_EQ(shown, QPageLayout::Landscape);
+    // Every page the layout plans for the list lying on its side.
+    EXPECT_EQ(pages, planReport(static_cast<std::size_t>(shownRows()), 0, false, true).maxPage);
 }
 
 TEST_F(DialogsAsUsed, CtrlPPrintsTheReportToAFile)

@@ -5,7 +5,6 @@
 
 #include <QFile>
 #include <QLabel>
-#include <QPrintPreviewWidget>
 #include <gtest/gtest.h>
 
 using namespace finora;
@@ -55,23 +54,6 @@ TEST_F(Report, AGeneratedListPrintsToAPdfWithTitleTotalsAndPageNumbers)
     user::chooseMenu(m_frame.get(), {QStringLiteral("Редакция"), QStringLiteral("Изтрий всички")});
     EXPECT_EQ(shownRows(), 0);
     EXPECT_FALSE(user::lookAtMenu(m_frame.get(), exportPdf)->isEnabled());
-}
-
-TEST_F(Report, ThePreviewShowsEveryPage)
-{
-    openGenerated(QStringLiteral("преглед.fnr"), 120, 4);
-    const int rows = shownRows();
-    int pages = -1;
-    user::ExpectDialog preview([&](QDialog* d) {
-        auto* widget = d->findChild<QPrintPreviewWidget*>();
-        ASSERT_NE(widget, nullptr);
-        pages = widget->pageCount();
-        QTest::keyClick(d, Qt::Key_Escape);
-    });
-    user::chooseMenu(m_frame.get(), {QStringLiteral("Файл"),
-                                     QStringLiteral("Предпечатен изглед на справката ...")});
-    preview.verify();
-    EXPECT_EQ(pages, (rows + 49) / 50);
 }
 
 } // namespace
