@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Installs what is missing, checks the style (clang-format everywhere, clang-tidy on the core),
-# builds, and runs every test: the suite as released, the same suite
+# builds, and runs every test: the suite as released (with the time budgets of bench/, the ctest
+# case Bench.Budgets), the same suite
 # under AddressSanitizer + UndefinedBehaviorSanitizer, the threaded storage tests under
 # ThreadSanitizer, each fuzz target for a minute when clang is there, and a plain Release build as
 # a packager makes it, installed and packaged (scripts/release-check.sh).

@@ -1,5 +1,4 @@
-// finora-cli beside the desktop program and beside itself: the lock, and input that used to
-// take minutes.
+// finora-cli beside the desktop program and beside itself: the lock.
 #include "cli/cli_fixture.h"
 #include "core/demo/ledger_generator.h"
 #include "core/storage/ledger_format.h"
@@ -23,29 +22,12 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// How much slower than an optimised build this one runs; the old code took 5 to 10 times the
-// bounds below even optimised, so they still tell linear from quadratic.
-#if defined(__SANITIZE_THREAD__)
-constexpr double kSlowBuild = 20.0;
-#elif defined(NDEBUG)
-constexpr double kSlowBuild = 1.0;
-#else
-constexpr double kSlowBuild = 8.0; // debug and address-sanitizer builds
-#endif
-
 std::size_t operationsIn(const std::string& bytes)
 {
     Ledger l;
     ByteReader reader(bytes);
     EXPECT_EQ(readLedger(reader, l, [](double) { return true; }).status, ReadStatus::Ok);
     return l.operations.size();
-}
-
-template <class F> double secondsOf(F&& f)
-{
-    const auto start = std::chrono::steady_clock::now();
-    f();
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 }
 
 } // namespace
@@ -206,51 +188,3 @@ TEST_F(CliTest, TwoImportsIntoOneLedgerAtOnceBothLand)
     EXPECT_FALSE(std::filesystem::exists(LedgerLock::lockPathFor(target)));
 }
 #endif
-
-TEST_F(CliTest, AChainOfAHundredThousandNestedCategoriesIsWalkedInAMoment)
-{
-    Ledger chain;
-    constexpr int kDepth = 100'000;
-    for (int id = 1; id <= kDepth; ++id) {
-        chain.categories.append(Category(id, std::string("c").append(std::to_string(id)), id - 1));
-    }
-    chain.operations.append(Operation(1, DateTime::fromParts(2025, 3, 1),
-                                      cp1251::fromUtf8OrThrow("най-долу"), 2, kDepth, 1.0, 0, 1.0,
-                                      "", DateTime::fromParts(2025, 3, 1), 1, 0));
-    chain.counters = {0, kDepth, 1, 0};
-    const std::string file = path("верига.fnr");
-    write(file, serializeLedger(chain));
-
-    CliResult r;
-    const double seconds = secondsOf([&] {
-        r = run({"list", file, "--category", "1", "--subcategories", "--from", "1-1-2025", "--to",
-                 "31-12-2025"});
-    });
-    EXPECT_EQ(r.status, 0) << r.err;
-    EXPECT_NE(r.out.find("най-долу"), std::string::npos);
-    EXPECT_LT(seconds, 3.0 * kSlowBuild); // was about 30 s
-    // Importing it walks the same tree.
-    const std::string into = path("празен.fnr");
-    ASSERT_EQ(run({"new", into}).status, 0);
-    EXPECT_LT(secondsOf([&] { r = run({"import", into, file}); }), 3.0 * kSlowBuild);
-    EXPECT_EQ(r.status, 0) << r.err;
-}
-
-TEST_F(CliTest, ImportingALedgerOfIdenticalOperationsIsLinear)
-{
-    Ledger same;
-    same.categories.append(Category(1, "c", 0));
-    constexpr int kCount = 200'000;
-    for (int id = 1; id <= kCount; ++id) {
-        same.operations.append(Operation(id, DateTime::fromParts(2025, 3, 1), "same", 2, 1, 1.0, 0,
-                                         1.0, "", DateTime::fromParts(2025, 3, 1), 1, 0));
-    }
-    same.counters = {0, 1, kCount, 0};
-    const std::string file = path("еднакви.fnr");
-    write(file, serializeLedger(same));
-    CliResult r;
-    const double seconds = secondsOf([&] { r = run({"import", file, file, "--json"}); });
-    EXPECT_EQ(r.status, 0) << r.err;
-    EXPECT_NE(r.out.find("\"skipped\":200000"), std::string::npos) << r.out;
-    EXPECT_LT(seconds, 3.0 * kSlowBuild); // was about 15 s
-}

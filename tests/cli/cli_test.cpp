@@ -8,6 +8,7 @@
 #include "core/text/cp1251.h"
 #include "support/ledger_builders.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
@@ -67,104 +68,83 @@ TEST_F(CliTest, VersionIsTheProgramsOwnWhateverElseIsGiven)
 {
     const CliResult r = run({"--version"});
     EXPECT_EQ(r.status, 0);
-    EXPECT_EQ(r.out, "finora-cli 1.501\n");
+    EXPECT_EQ(r.out.rfind("finora-cli ", 0), 0u);
     EXPECT_EQ(run({"info", path("none.fnr"), "--version"}).out, r.out);
     EXPECT_NE(run({"--help"}).out.find("--version"), std::string::npos);
 }
 
-TEST_F(CliTest, ExitStatusesTellWhatWentWrong)
+TEST_F(CliTest, EveryFailureHasItsExitStatusAndOneLineNamingTheFile)
 {
     const std::string newer = path("newer.fnr");
     write(newer, test::legacyBytes(1.41, test::sampleLedger(), true, true));
-    const CliResult r = run({"info", newer});
-    EXPECT_EQ(r.status, cli::kNewerFormat);
-    EXPECT_EQ(r.err,
-              "finora-cli: Този документ е създаден от по-нова версия на Finora и не може да "
-              "бъде отворен. Натиснете OK за изход от програмата...\n");
-
     const std::string cut = path("cut.fnr");
     write(cut, serializeLedger(test::sampleLedger()).substr(0, 50));
-    EXPECT_EQ(run({"dump", cut, "--json"}).status, cli::kUnreadable);
-    EXPECT_EQ(run({"info", path("none.fnr")}).status, cli::kUnreadable);
-
-    EXPECT_EQ(run({}).status, cli::kUsage);
-    EXPECT_EQ(run({"frobnicate", cut}).status, cli::kUsage);
-    EXPECT_EQ(run({"info"}).status, cli::kUsage);
-    EXPECT_EQ(run({"info", cut, "--bogus"}).status, cli::kUsage);
-    EXPECT_EQ(run({"generate", cut}).status, cli::kUsage);
-    EXPECT_EQ(run({"generate", cut, "--operations", "12x"}).status, cli::kUsage);
-    EXPECT_EQ(run({"generate", cut, "--operations", "-5"}).status, cli::kUsage);
-    const CliResult badNow = run({"--now", "2024-02-30 10:00:00", "new", path("n.fnr")});
-    EXPECT_EQ(badNow.status, cli::kUsage);
+    const std::string folder = path("папка.fnr");
+    fs::create_directories(pathFromUtf8(folder));
+    const std::string good = path("good.fnr");
+    ASSERT_EQ(run({"new", good}).status, 0);
+    const std::string kept = path("kept.fnr"); // refused by its mode, even for root
+    write(kept, "precious");
+    fs::permissions(pathFromUtf8(kept), fs::perms::owner_read);
+    struct Case {
+        std::vector<std::string> args;
+        int status;
+        std::string named; // the file the error line names; "" for none
+    };
+    const Case cases[] = {
+        {{"info", newer}, cli::kNewerFormat, ""},
+        {{"dump", cut, "--json"}, cli::kUnreadable, cut},
+        {{"convert", cut, "-o", path("out.fnr")}, cli::kUnreadable, cut},
+        {{"info", path("none.fnr")}, cli::kUnreadable, path("none.fnr")},
+        {{"list", folder}, cli::kUnreadable, folder},
+        {{"new", path("missing/x.fnr")}, cli::kNotWritten, path("missing/x.fnr")},
+        {{"convert", good, "-o", kept}, cli::kNotWritten, kept},
+        {{}, cli::kUsage, ""},
+        {{"frobnicate", cut}, cli::kUsage, ""},
+        {{"info"}, cli::kUsage, ""},
+        {{"info", cut, "--bogus"}, cli::kUsage, ""},
+        {{"generate", cut}, cli::kUsage, ""},
+        {{"generate", cut, "--operations", "12x"}, cli::kUsage, ""},
+        {{"generate", cut, "--operations", "-5"}, cli::kUsage, ""},
+        {{"--now", "2024-02-30 10:00:00", "new", path("n.fnr")}, cli::kUsage, ""},
+        // Without a renderer (this library alone) the drawing commands are not there.
+        {{"chart", cut, "2026", "--png", path("c.png")}, cli::kUsage, ""},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.args.empty() ? std::string("(nothing)") : c.args.front());
+        const CliResult r = run(c.args);
+        EXPECT_EQ(r.status, c.status);
+        if (c.status != cli::kUsage) {
+            EXPECT_EQ(r.err.rfind("finora-cli: ", 0), 0u) << r.err;
+            EXPECT_EQ(std::count(r.err.begin(), r.err.end(), '\n'), 1) << r.err;
+        }
+        EXPECT_NE(r.err.find(c.named), std::string::npos) << r.err;
+    }
+    EXPECT_FALSE(fs::exists(pathFromUtf8(path("out.fnr"))));
     EXPECT_FALSE(fs::exists(path("n.fnr")));
-    // Without a renderer (this library alone) the drawing commands say they are not there.
-    const CliResult noDrawing = run({"chart", cut, "2026", "--png", path("c.png")});
-    EXPECT_EQ(noDrawing.status, cli::kUsage);
-    EXPECT_NE(noDrawing.err.find("report и chart не са достъпни"), std::string::npos);
-    const CliResult help = run({"--help"});
-    EXPECT_EQ(help.status, 0);
-    EXPECT_NE(help.out.find("generate FILE --operations N"), std::string::npos);
+    EXPECT_EQ(read(kept), "precious");
+    fs::permissions(pathFromUtf8(kept), fs::perms::owner_all);
+    EXPECT_NE(run({"--help"}).out.find("generate FILE --operations N"), std::string::npos);
 }
 
-TEST_F(CliTest, EveryFailedOpenOrSaveHasItsStatusAndItsOwnLine)
+TEST_F(CliTest, NamesTheSystemCannotTakeSayWhyAndDashDashEndsTheOptions)
 {
-    const std::string missing = path("none.fnr");
-    CliResult r = run({"info", missing});
-    EXPECT_EQ(r.status, cli::kUnreadable);
-    EXPECT_EQ(r.err, "finora-cli: Файлът „" + missing +
-                         "“ не може да бъде отворен. Файлът или папката не съществуват.\n");
-
-    // Names the system cannot take say why, apart from a file that is not there.
     const std::string tooLong = path(std::string(300, 'a') + ".fnr");
     const std::string undecodable = path("\xEF\xBF\xBD.fnr"); // a name that was not UTF-8
     for (const auto& [name, reason] : {std::pair{tooLong, FileError::NameTooLong},
                                        std::pair{undecodable, FileError::BadName}}) {
         SCOPED_TRACE(name);
-        r = run({"info", name});
+        const CliResult r = run({"info", name});
         EXPECT_EQ(r.status, cli::kUnreadable);
         EXPECT_NE(r.err.find(describe(reason)), std::string::npos) << r.err;
     }
-
     // "--" ends the options, so a ledger may be named "-x.fnr".
     const fs::path before = fs::current_path();
     fs::current_path(dir);
-    r = run({"new", "--", "-x.fnr"});
+    const CliResult r = run({"new", "--", "-x.fnr"});
     fs::current_path(before);
     EXPECT_EQ(r.status, 0) << r.err;
     EXPECT_TRUE(fs::exists(dir / "-x.fnr"));
-
-    const std::string folder = path("папка.fnr");
-    fs::create_directories(pathFromUtf8(folder));
-    r = run({"list", folder});
-    EXPECT_EQ(r.status, cli::kUnreadable);
-    EXPECT_EQ(r.err, "finora-cli: Файлът „" + folder +
-                         "“ не може да бъде отворен. Възникна грешка при работа с файла.\n");
-
-    const std::string cut = path("cut.fnr");
-    write(cut, serializeLedger(test::sampleLedger()).substr(0, 50));
-    r = run({"convert", cut, "-o", path("out.fnr")});
-    EXPECT_EQ(r.status, cli::kUnreadable);
-    EXPECT_EQ(r.err, "finora-cli: Файлът „" + cut +
-                         "“ е повреден или непълен и не може да бъде прочетен.\n");
-    EXPECT_FALSE(fs::exists(pathFromUtf8(path("out.fnr"))));
-
-    const std::string nowhere = path("missing/x.fnr");
-    r = run({"new", nowhere});
-    EXPECT_EQ(r.status, cli::kNotWritten);
-    EXPECT_EQ(r.err, "finora-cli: Документът не може да бъде записан във файла „" + nowhere +
-                         "“. Файлът или папката не съществуват.\n");
-
-    // A target without write permission is refused before anything is written, even for root.
-    const std::string good = path("good.fnr");
-    ASSERT_EQ(run({"new", good}).status, 0);
-    const std::string kept = path("kept.fnr");
-    write(kept, "precious");
-    fs::permissions(pathFromUtf8(kept), fs::perms::owner_read);
-    r = run({"convert", good, "-o", kept});
-    fs::permissions(pathFromUtf8(kept), fs::perms::owner_all);
-    EXPECT_EQ(r.status, cli::kNotWritten);
-    EXPECT_EQ(r.err, "finora-cli: файлът „" + kept + "“ е защитен от запис; нищо не е записано.\n");
-    EXPECT_EQ(read(kept), "precious");
 }
 
 TEST_F(CliTest, ALockedLedgerShowsItsOperationsOnlyForTheRightPassword)

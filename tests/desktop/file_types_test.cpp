@@ -103,7 +103,6 @@ TEST(FileTypes, TheMagicMatchesTheFirstBytesOfARealLedgerAndFilterOnly)
     EXPECT_EQ(ledger.magic[0].first, 0);
     const std::string bytes = serializeLedger(generateLedger(30, 4));
     EXPECT_EQ(ledger.magic[0].second, bytes.substr(0, ledger.magic[0].second.size()));
-    EXPECT_EQ(ledger.magic[0].second, std::string("\x66\x66\x66\x66\x66\x66\xF6\x3F", 8));
     // Older versions are ledgers by their name alone.
     const std::string old = test::legacyBytes(1.3, test::sampleLedger(), true, true);
     EXPECT_NE(old.substr(0, 8), ledger.magic[0].second);
@@ -159,8 +158,6 @@ TEST(FileTypes, TheDesktopEntryAndTheMetainfoNameTheSameTypesIconAndVersion)
     const QStringList listed =
         entry[QStringLiteral("MimeType")].split(QLatin1Char(';'), Qt::SkipEmptyParts);
     EXPECT_EQ(std::set<QString>(listed.begin(), listed.end()), mimeTypes);
-    EXPECT_EQ(entry[QStringLiteral("Exec")], QStringLiteral("finora %f"));
-    EXPECT_EQ(entry[QStringLiteral("Categories")], QStringLiteral("Office;Finance;"));
     EXPECT_FALSE(entry[QStringLiteral("Comment[bg]")].isEmpty());
     EXPECT_FALSE(entry[QStringLiteral("Name[bg]")].isEmpty());
     const QString icon = entry[QStringLiteral("Icon")];

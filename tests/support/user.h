@@ -425,6 +425,28 @@ private:
     bool m_verified = false;
 };
 
+// Fails the test at once when a modal dialog opens while it lives, and rejects that dialog: a
+// command that must open nothing is caught there and then, before the dialog's own loop returns.
+class NoDialog : private QObject {
+public:
+    NoDialog() { QApplication::instance()->installEventFilter(this); }
+    ~NoDialog() override { QApplication::instance()->removeEventFilter(this); }
+    NoDialog(const NoDialog&) = delete;
+    NoDialog& operator=(const NoDialog&) = delete;
+
+private:
+    bool eventFilter(QObject* watched, QEvent* event) override
+    {
+        auto* dialog = qobject_cast<QDialog*>(watched);
+        if (event->type() == QEvent::Show && dialog && dialog->isModal()) {
+            ADD_FAILURE() << "a dialog opened where none should: "
+                          << dialog->windowTitle().toStdString();
+            QTimer::singleShot(0, dialog, &QDialog::reject);
+        }
+        return false;
+    }
+};
+
 // Fails the test, with a picture, when a modal dialog stays open that nobody answers, and closes
 // it, so an unexpected dialog is a failure rather than a test that hangs.
 class DialogWatch {

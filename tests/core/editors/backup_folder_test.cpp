@@ -45,46 +45,45 @@ std::string lastText(const RecordingPrompter& p)
 
 } // namespace
 
-TEST(BackupFolder, ExistingFoldersAreTakenWithATrailingSeparator)
+TEST(BackupFolder, FoldersAreTakenWithATrailingSeparatorMissingOnesCreatedAfterAQuestion)
 {
-    RecordingPrompter prompter;
-    ScriptedProbe probe;
-    probe.kinds["/home/иван/копия"] = FolderProbe::Kind::Folder;
-    EXPECT_EQ(acceptBackupFolder("/home/иван/копия", prompter, probe), "/home/иван/копия/");
-    EXPECT_EQ(acceptBackupFolder("/home/иван/копия/", prompter, probe), "/home/иван/копия/");
-    EXPECT_EQ(acceptBackupFolder("/", prompter, probe), "/");
-    EXPECT_TRUE(prompter.messages().empty());
-}
-
-TEST(BackupFolder, FilesAndNonsenseAreRefusedWithThePathInFront)
-{
-    RecordingPrompter prompter;
-    ScriptedProbe probe;
-    probe.kinds["/tmp/a.fnr"] = FolderProbe::Kind::File;
-    EXPECT_FALSE(acceptBackupFolder("/tmp/a.fnr", prompter, probe));
-    EXPECT_EQ(lastText(prompter), "/tmp/a.fnr\nТова е файл, не директория.");
-    EXPECT_FALSE(acceptBackupFolder("//", prompter, probe));
-    EXPECT_EQ(lastText(prompter), "//\nТова не е валидна директория.");
-    EXPECT_FALSE(acceptBackupFolder("", prompter, probe));
-    EXPECT_EQ(lastText(prompter), "Това не е валидна директория.");
-    EXPECT_TRUE(probe.created.empty());
-}
-
-TEST(BackupFolder, AMissingFolderIsCreatedWholeAfterOneQuestion)
-{
-    RecordingPrompter prompter;
-    ScriptedProbe probe;
-    prompter.queue(Answer::No);
-    EXPECT_FALSE(acceptBackupFolder("/data/a/b/c", prompter, probe));
-    EXPECT_TRUE(probe.created.empty());
-    EXPECT_EQ(
-        prompter.messages().back(),
-        (Message{"Finora",
-                 "/data/a/b/c\nТази директория не съществува.\n\nЖелаете ли да бъде създадена?",
-                 MessageIcon::None, MessageButtons::YesNo}));
-    prompter.queue(Answer::Yes);
-    EXPECT_EQ(acceptBackupFolder("/data/a/b/c", prompter, probe), "/data/a/b/c/");
-    EXPECT_EQ(probe.created, std::vector<std::string>{"/data/a/b/c"});
+    using K = FolderProbe::Kind;
+    struct Case {
+        const char* typed;
+        K kind;
+        Answer answer;
+        std::optional<std::string> taken;
+        const char* said; // how the message starts; "" for none
+        bool created;
+    };
+    const Case cases[] = {
+        {"/home/иван/копия", K::Folder, Answer::Yes, "/home/иван/копия/", "", false},
+        {"/home/иван/копия/", K::Folder, Answer::Yes, "/home/иван/копия/", "", false},
+        {"/", K::Folder, Answer::Yes, "/", "", false},
+        {"/tmp/a.fnr", K::File, Answer::Yes, std::nullopt, "/tmp/a.fnr\nТова е файл", false},
+        {"//", K::Missing, Answer::Yes, std::nullopt, "//\nТова не е валидна", false},
+        {"", K::Missing, Answer::Yes, std::nullopt, "Това не е валидна", false},
+        {"/data/a/b/c", K::Missing, Answer::No, std::nullopt, "/data/a/b/c\nТази директория не",
+         false},
+        {"/data/a/b/c", K::Missing, Answer::Yes, "/data/a/b/c/", "/data/a/b/c\nТази директория не",
+         true},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.typed);
+        RecordingPrompter prompter;
+        prompter.queue(c.answer);
+        ScriptedProbe probe;
+        std::string folder = c.typed; // the probe is asked without the trailing separator
+        if (folder.size() > 1 && folder.back() == '/') {
+            folder.pop_back();
+        }
+        probe.kinds[folder] = c.kind;
+        EXPECT_EQ(acceptBackupFolder(c.typed, prompter, probe), c.taken);
+        EXPECT_EQ(lastText(prompter).rfind(c.said, 0), 0u) << lastText(prompter);
+        EXPECT_EQ(prompter.messages().size(), *c.said ? 1u : 0u);
+        EXPECT_EQ(probe.created,
+                  c.created ? std::vector<std::string>{c.typed} : std::vector<std::string>{});
+    }
 }
 
 TEST(BackupFolder, AFailedCreationIsExplainedByItsMedium)

@@ -62,30 +62,25 @@ TEST(DateTime, EveryDayOfTheRangeRoundTripsAtBothEndsOfTheDay)
     EXPECT_EQ(previous, (DateTimeParts{9999, 12, 31, 0, 0, 0}));
 }
 
-TEST(DateTime, LeapYearsFollowTheGregorianRules)
+TEST(DateTime, PartsOutsideTheCalendarGiveAnInvalidDateTime)
 {
-    EXPECT_TRUE(DateTime::fromParts(2000, 2, 29).isValid());
-    EXPECT_TRUE(DateTime::fromParts(2004, 2, 29).isValid());
-    EXPECT_FALSE(DateTime::fromParts(1900, 2, 29).isValid());
-    EXPECT_FALSE(DateTime::fromParts(2100, 2, 29).isValid());
-    EXPECT_FALSE(DateTime::fromParts(2003, 2, 29).isValid());
-    EXPECT_EQ(DateTime::fromParts(2004, 3, 1).days() - DateTime::fromParts(2004, 2, 28).days(),
-              2.0);
-    EXPECT_EQ(DateTime::fromParts(2003, 3, 1).days() - DateTime::fromParts(2003, 2, 28).days(),
-              1.0);
-}
-
-TEST(DateTime, OutOfRangePartsGiveAnInvalidDateTime)
-{
-    EXPECT_EQ(DateTime::fromParts(2004, 13, 1).status(), DateTime::Invalid);
-    EXPECT_EQ(DateTime::fromParts(2004, 0, 1).status(), DateTime::Invalid);
-    EXPECT_EQ(DateTime::fromParts(2004, 4, 31).status(), DateTime::Invalid);
-    EXPECT_EQ(DateTime::fromParts(2004, 1, 0).status(), DateTime::Invalid);
-    EXPECT_EQ(DateTime::fromParts(2004, 1, 1, 24).status(), DateTime::Invalid);
-    EXPECT_EQ(DateTime::fromParts(2004, 1, 1, 0, 60).status(), DateTime::Invalid);
-    EXPECT_EQ(DateTime::fromParts(2004, 1, 1, 0, 0, 60).status(), DateTime::Invalid);
-    EXPECT_EQ(DateTime::fromParts(99, 12, 31).status(), DateTime::Invalid);
-    EXPECT_EQ(DateTime::fromParts(10000, 1, 1).status(), DateTime::Invalid);
+    struct Case {
+        int year, month, day, hour, minute, second;
+        bool valid;
+    };
+    const Case cases[] = {
+        {2000, 2, 29, 0, 0, 0, true},  {2004, 2, 29, 0, 0, 0, true},  {1900, 2, 29, 0, 0, 0, false},
+        {2100, 2, 29, 0, 0, 0, false}, {2003, 2, 29, 0, 0, 0, false}, {2004, 13, 1, 0, 0, 0, false},
+        {2004, 0, 1, 0, 0, 0, false},  {2004, 4, 31, 0, 0, 0, false}, {2004, 1, 0, 0, 0, 0, false},
+        {2004, 1, 1, 24, 0, 0, false}, {2004, 1, 1, 0, 60, 0, false}, {2004, 1, 1, 0, 0, 60, false},
+        {99, 12, 31, 0, 0, 0, false},  {10000, 1, 1, 0, 0, 0, false},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(std::to_string(c.year) + "-" + std::to_string(c.month) + "-" +
+                     std::to_string(c.day));
+        const DateTime dt = DateTime::fromParts(c.year, c.month, c.day, c.hour, c.minute, c.second);
+        EXPECT_EQ(dt.status(), c.valid ? DateTime::Valid : DateTime::Invalid);
+    }
 }
 
 TEST(DateTime, TheFractionRoundsToTheNearestSecond)

@@ -1,3 +1,4 @@
+#include "core/model/lock_guard.h"
 #include "core/model/recording_prompter.h"
 #include "core/query/operations_list.h"
 #include "core/settings/memory_settings_store.h"
@@ -127,7 +128,6 @@ TEST_F(ListTest, CellTexts)
     EXPECT_EQ(column(kColCurrency), (std::vector<std::string>{"BGL", "EUR", "BGL", "BGL"}));
     EXPECT_EQ(column(kColAmountBgl)[1], "97.79");
     EXPECT_EQ(column(kColPaid), (std::vector<std::string>{"да", "да", "не", "да"}));
-    EXPECT_EQ(std::string(listColumns()[kColAmountBgl].header), "сума в BGL");
 }
 
 TEST_F(ListTest, OneCurrencySumsItsOwnAmountsUnderItsCode)
@@ -166,50 +166,39 @@ TEST_F(ListTest, ColumnWidthsFollowTheVisibilityKeys)
     EXPECT_EQ(columnWidth(kColPaid, settings), 80);
 }
 
-TEST_F(ListTest, WordSearchFoldsCyrillicAndLatinCase)
+TEST_F(ListTest, SearchMarksTheRowsEachModeAndOptionFind)
 {
+    using R = SearchRequest;
+    struct Case {
+        const char* text;
+        int mode;
+        bool description, notes, currency, exact, caseSensitive;
+        std::vector<bool> marked; // rows 4, 3, 2, 1
+    };
+    const Case cases[] = {
+        {"червени", R::And, true, false, false, false, false, {0, 0, 1, 0}}, // folds Cyrillic
+        {"червени", R::And, true, false, false, false, true, {0, 0, 0, 0}},
+        {"ЧЕРВЕНИ", R::And, true, false, false, false, true, {0, 0, 1, 0}},
+        {"ябълки пазара", R::And, true, true, false, false, false, {0, 0, 1, 0}},
+        {"ябълки пазара", R::And, true, false, false, false, false, {0, 0, 0, 0}},
+        {"hotel  заплата", R::Or, true, false, false, false, false, {0, 1, 0, 1}},
+        {"eur море", R::Not, false, true, true, false, false, {1, 0, 1, 1}},
+        {"от паз", R::And, false, true, false, true, true, {0, 0, 1, 0}},
+        // And, exact, not case-sensitive: "notes" reads the BGL amount, "currency" the amount.
+        {"97.79", R::And, false, true, false, true, false, {0, 1, 0, 0}},
+        {"50.00", R::And, false, false, true, true, false, {0, 1, 0, 0}},
+        {"от паз", R::And, false, true, false, true, false, {0, 0, 0, 0}},
+        {"море", R::Not, false, true, false, true, false, {1, 0, 1, 1}}, // Not reads the notes
+        {"HOT", R::And, true, false, false, false, false, {0, 1, 0, 0}}, // inside a longer word
+    };
     list.refresh();
-    search("червени", SearchRequest::And, true, false, false);
-    EXPECT_EQ(selection(), (std::vector<bool>{false, false, true, false}));
+    for (const Case& c : cases) {
+        SCOPED_TRACE(std::string(c.text) + " mode " + std::to_string(c.mode));
+        search(c.text, c.mode, c.description, c.notes, c.currency, c.exact, c.caseSensitive);
+        EXPECT_EQ(selection(), c.marked);
+    }
     EXPECT_EQ(prompter.messages().back().text, OperationsList::kSearchDoneText);
-    EXPECT_EQ(prompter.messages().back().icon, MessageIcon::Information);
-    search("червени", SearchRequest::And, true, false, false, false, true);
-    EXPECT_EQ(selection(), (std::vector<bool>{false, false, false, false}));
-    search("ЧЕРВЕНИ", SearchRequest::And, true, false, false, false, true);
-    EXPECT_EQ(selection(), (std::vector<bool>{false, false, true, false}));
-    search("HOT", SearchRequest::And, true, false, false); // inside a longer word
-    EXPECT_EQ(selection(), (std::vector<bool>{false, true, false, false}));
     EXPECT_EQ(cp1251::toUtf8(list.lastSearchText()), "HOT");
-}
-
-TEST_F(ListTest, WordsAcrossFieldsInEachMode)
-{
-    list.refresh();
-    search("ябълки пазара", SearchRequest::And, true, true, false);
-    EXPECT_EQ(selection(), (std::vector<bool>{false, false, true, false}));
-    search("ябълки пазара", SearchRequest::And, true, false, false); // notes not searched
-    EXPECT_EQ(selection(), (std::vector<bool>{false, false, false, false}));
-    search("hotel  заплата", SearchRequest::Or, true, false, false);
-    EXPECT_EQ(selection(), (std::vector<bool>{false, true, false, true}));
-    search("eur море", SearchRequest::Not, false, true, true);
-    EXPECT_EQ(selection(), (std::vector<bool>{true, false, true, true}));
-}
-
-TEST_F(ListTest, ExactPhraseAndItsColumnQuirk)
-{
-    list.refresh();
-    search("от паз", SearchRequest::And, false, true, false, true, true);
-    EXPECT_EQ(selection(), (std::vector<bool>{false, false, true, false}));
-    // And, exact, not case-sensitive: "notes" reads the BGL amount, "currency" the amount.
-    search("97.79", SearchRequest::And, false, true, false, true, false);
-    EXPECT_EQ(selection(), (std::vector<bool>{false, true, false, false}));
-    search("50.00", SearchRequest::And, false, false, true, true, false);
-    EXPECT_EQ(selection(), (std::vector<bool>{false, true, false, false}));
-    search("от паз", SearchRequest::And, false, true, false, true, false);
-    EXPECT_EQ(selection(), (std::vector<bool>{false, false, false, false}));
-    // Not-mode reads the notes themselves.
-    search("море", SearchRequest::Not, false, true, false, true, false);
-    EXPECT_EQ(selection(), (std::vector<bool>{true, false, true, true}));
 }
 
 TEST_F(ListTest, ShowOnlyMatchingRemovesRowsAndTotalsTheRest)
@@ -229,22 +218,25 @@ TEST_F(ListTest, ShowOnlyMatchingRemovesRowsAndTotalsTheRest)
 
 TEST_F(ListTest, AmountFilterComparesTheShownTexts)
 {
-    list.refresh();
-    list.filterByAmount(4.50, 0, false);
-    EXPECT_EQ(column(kColNumber), (std::vector<std::string>{"2"}));
-    EXPECT_EQ(totals()[0], "2000.00 BGL"); // not recomputed
-    list.refresh();
-    list.filterByAmount(97.79, 0, true);
-    EXPECT_EQ(column(kColNumber), (std::vector<std::string>{"3"}));
-    list.refresh();
-    list.filterByAmount(97.79, 0, false);
-    EXPECT_EQ(list.rowCount(), 0u);
-    list.refresh();
-    list.filterByAmount(30, 25, false); // 5 .. 55, income or expense alike
-    EXPECT_EQ(column(kColNumber), (std::vector<std::string>{"4", "3"}));
-    list.refresh();
-    list.filterByAmount(10, -1, true);
-    EXPECT_EQ(list.rowCount(), 0u);
+    struct Case {
+        double amount, tolerance;
+        bool inBgl;
+        std::vector<std::string> rows;
+    };
+    const Case cases[] = {
+        {4.50, 0, false, {"2"}},     // 4.505 shows as 4.50
+        {97.79, 0, true, {"3"}},     // the BGL column
+        {97.79, 0, false, {}},       // not the amount
+        {30, 25, false, {"4", "3"}}, // 5 .. 55, income or expense alike
+        {10, -1, true, {}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.amount);
+        list.refresh();
+        list.filterByAmount(c.amount, c.tolerance, c.inBgl);
+        EXPECT_EQ(column(kColNumber), c.rows);
+        EXPECT_EQ(totals()[0], "2000.00 BGL"); // not recomputed
+    }
 }
 
 TEST_F(ListTest, DeleteCommandsAskFirstAndRespectTheLock)
@@ -253,9 +245,7 @@ TEST_F(ListTest, DeleteCommandsAskFirstAndRespectTheLock)
     prompter.queue(Answer::No);
     EXPECT_FALSE(list.deleteShown());
     EXPECT_EQ(doc.operationCount(), 4u);
-    EXPECT_EQ(prompter.messages().back(),
-              (Message{"Потвърдете", "Сигурни ли сте, че желаете да продължите с изтриването?",
-                       MessageIcon::Warning, MessageButtons::YesNo}));
+    EXPECT_EQ(prompter.messages().back().buttons, MessageButtons::YesNo);
 
     list.criteria().typeFilter = 2; // expenses, and the entry of type 9 that passes any filter
     list.refresh();
@@ -274,10 +264,7 @@ TEST_F(ListTest, DeleteCommandsAskFirstAndRespectTheLock)
     prompter.clear();
     EXPECT_FALSE(list.deleteAll());
     EXPECT_EQ(prompter.messages().size(), 1u);
-    EXPECT_EQ(
-        prompter.messages()[0],
-        (Message{"Заключен", "Този документ е защитен с парола. Натиснете F12, за да го отключите!",
-                 MessageIcon::Error, MessageButtons::Ok}));
+    EXPECT_EQ(prompter.messages()[0].caption, kLockedCaption);
     ASSERT_TRUE(doc.checkLock("pw", CFinoraDoc::LockCheck::TemporaryUnlock));
     EXPECT_TRUE(list.deleteAll()); // every entry, shown or not
     EXPECT_EQ(doc.operationCount(), 0u);

@@ -78,15 +78,21 @@ protected:
 
 TEST_F(PrintLayoutTest, PagesHoldFiftyRowsUprightAndThirtyFiveLying)
 {
-    EXPECT_EQ(planReport(0, 0, false, false).maxPage, 0);
-    EXPECT_EQ(planReport(50, 0, false, false).maxPage, 1);
-    EXPECT_EQ(planReport(51, 0, false, false).maxPage, 2);
-    EXPECT_EQ(planReport(35, 0, false, true).maxPage, 1);
-    EXPECT_EQ(planReport(36, 0, false, true).maxPage, 2);
+    struct Plan {
+        std::size_t rows, selected;
+        bool selectionOnly, landscape;
+        int pages;
+        std::size_t printed;
+    };
     // The selection prints whole pages only, of the list's leading rows.
-    const ReportPlan selected = planReport(120, 51, true, false);
-    EXPECT_EQ(selected.maxPage, 1);
-    EXPECT_EQ(selected.rowCount, 51u);
+    for (const Plan& p : {Plan{0, 0, false, false, 0, 0}, Plan{50, 0, false, false, 1, 50},
+                          Plan{51, 0, false, false, 2, 51}, Plan{35, 0, false, true, 1, 35},
+                          Plan{36, 0, false, true, 2, 36}, Plan{120, 51, true, false, 1, 51}}) {
+        SCOPED_TRACE(p.rows);
+        const ReportPlan plan = planReport(p.rows, p.selected, p.selectionOnly, p.landscape);
+        EXPECT_EQ(plan.maxPage, p.pages);
+        EXPECT_EQ(plan.rowCount, p.printed);
+    }
 
     fill(51);
     const auto first = page(1);

@@ -2,7 +2,6 @@
 // names and full disks. Each case is one a user met: the ledger must never be lost or exposed.
 #include "core/demo/ledger_generator.h"
 #include "core/storage/ledger_import.h"
-#include "support/small_disk.h"
 #include "support/storage_fixture.h"
 
 #include <cstring>
@@ -239,28 +238,6 @@ TEST_F(StorageTest, AFileProtectedAfterItWasOpenedIsRefusedToo)
     EXPECT_EQ(readFile(other), "someone's");
 }
 
-TEST_F(StorageTest, ASharedLedgerKeepsItsOwnerGroupAndMode)
-{
-    if (::geteuid() != 0) {
-        GTEST_SKIP() << "giving a file to another owner needs root";
-    }
-    const std::string file = path("дом.fnr");
-    writeBytes(file, serializeLedger(test::sampleLedger()));
-    ASSERT_EQ(::chown(file.c_str(), 1234, 4321), 0);
-    ASSERT_EQ(::chmod(file.c_str(), 0660), 0);
-    ASSERT_EQ(storage.open(file), DocumentStorage::OpenResult::Opened);
-    doc.addCurrency("CHF");
-    ASSERT_TRUE(storage.save(file));
-    backups.waitIdle();
-    for (const std::string& p : {file, file + ".bak"}) {
-        struct stat st {};
-        ASSERT_EQ(::stat(p.c_str(), &st), 0);
-        EXPECT_EQ(st.st_uid, 1234u) << p;
-        EXPECT_EQ(st.st_gid, 4321u) << p;
-        EXPECT_EQ(st.st_mode & 07777, 0660u) << p;
-    }
-}
-
 TEST_F(StorageTest, ALedgerWithALongNameCanBeSavedAndLocked)
 {
     storage.setLockProgram("finora");
@@ -282,66 +259,6 @@ TEST_F(StorageTest, ALedgerWithALongNameCanBeSavedAndLocked)
         storage.closeDocument();
         EXPECT_FALSE(fs::exists(LedgerLock::lockPathFor(file)));
     }
-}
-
-TEST(FullDisk, ABackupThatDoesNotFitLeavesThePreviousOneWhole)
-{
-    SmallDisk disk(testFolder("fullbackup") / "disk", 256 * 1024);
-    if (!disk.mounted()) {
-        GTEST_SKIP() << "no small disk can be mounted here (needs root)";
-    }
-    const fs::path backup = disk.path() / "дом.fnr.bak";
-    const std::string first = ledgerBytes(800, 1); // about 64 KB
-    BackupWriter writer;
-    writer.submit(pathToUtf8(backup), std::make_shared<const std::string>(first));
-    writer.waitIdle();
-    ASSERT_EQ(readFile(backup), first);
-
-    writeBytes(disk.path() / "filler", std::string(140 * 1024, 'x'));
-    const std::string second = ledgerBytes(1200, 2); // about 96 KB: does not fit beside the first
-    EXPECT_TRUE(writer.takeFailures().empty());
-    writer.submit(pathToUtf8(backup), std::make_shared<const std::string>(second));
-    writer.waitIdle();
-    EXPECT_EQ(readFile(backup), first);
-    // Not a silent loss: the failure is kept to be told, with its reason.
-    const auto failures = writer.takeFailures();
-    ASSERT_EQ(failures.size(), 1u);
-    EXPECT_EQ(failures[0].path, pathToUtf8(backup));
-    EXPECT_EQ(failures[0].error, FileError::NoSpace);
-    EXPECT_EQ(namesIn(disk.path()), (std::set<std::string>{"filler", "дом.fnr.bak"}));
-}
-
-TEST(FullDisk, TheLedgerIsWrittenBeforeItsBackupTakesTheRoom)
-{
-    SmallDisk disk(testFolder("fullledger") / "disk", 1024 * 1024);
-    if (!disk.mounted()) {
-        GTEST_SKIP() << "no small disk can be mounted here (needs root)";
-    }
-    FixedClock clock{DateTime::fromParts(2025, 1, 2)};
-    MemorySettingsStore store;
-    Settings settings(store);
-    RecordingPrompter prompter;
-    ScriptedHost host;
-    BackupWriter backups;
-    CFinoraDoc doc(clock);
-    DocumentStorage storage(doc, settings, prompter, host, backups);
-
-    // The old ledger and the new one are each about 240 KB; the free room takes one new copy
-    // and a half, so the ledger and its backup fit one after the other but not side by side.
-    const std::string file = pathToUtf8(disk.path() / "дом.fnr");
-    doc.replaceLedger(generateLedger(3000, 1));
-    ASSERT_TRUE(storage.save(file));
-    backups.waitIdle();
-    std::filesystem::remove(file + ".bak");
-    doc.replaceLedger(generateLedger(3000, 2));
-    const std::size_t size = serializeLedger(doc.ledger()).size();
-    const std::size_t used = fs::file_size(file);
-    writeBytes(disk.path() / "filler", std::string(1024 * 1024 - used - size * 3 / 2, 'x'));
-
-    EXPECT_TRUE(storage.save(file));
-    backups.waitIdle();
-    EXPECT_EQ(readFile(file), serializeLedger(doc.ledger()));
-    EXPECT_EQ(readFile(file + ".bak"), serializeLedger(doc.ledger()));
 }
 #endif
 
