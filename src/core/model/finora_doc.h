@@ -3,6 +3,7 @@
 #include "core/model/clock.h"
 #include "core/model/history.h"
 #include "core/model/ledger.h"
+#include "core/model/operation_observer.h"
 
 #include <cstdint>
 #include <functional>
@@ -111,6 +112,9 @@ public:
 
     // Called after every successful change, once the document is marked modified.
     void setChangeHandler(ChangeHandler handler) { m_onChange = std::move(handler); }
+    // Told of every operation record as it changes; the observer outlives its registration.
+    void addObserver(OperationObserver* observer);
+    void removeObserver(OperationObserver* observer);
 
     // While one lives, changes are collected and the handler hears of them once, when the last
     // batch ends: deleting a thousand rows with auto-save on then writes the file once, not a
@@ -146,6 +150,9 @@ private:
     void closeStep();
     bool takeStep(bool undo);
     void applyStep(HistoryStep& step, bool undo);
+    // Before and after of one operation record: added (no before), removed (no after), or the
+    // whole list replaced (neither).
+    void notify(const Operation* before, const Operation* after) const;
 
     const Clock& m_clock;
     Ledger m_ledger;
@@ -154,6 +161,7 @@ private:
     std::uint64_t m_recordsRevision = 0;
     std::int32_t m_unlocked = 0;
     ChangeHandler m_onChange;
+    std::vector<OperationObserver*> m_observers;
     int m_batchDepth = 0;
     bool m_changePending = false;
     ChangeKind m_pendingKind = ChangeKind::Ordinary;
