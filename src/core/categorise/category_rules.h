@@ -1,9 +1,9 @@
 #pragma once
 
+#include "core/model/category_rule.h"
 #include "core/model/ledger.h"
 
 #include <cstdint>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -11,19 +11,6 @@
 namespace finora {
 
 class LearnedCategories;
-
-// "Text contains … → category", as the user writes it; the first rule that matches a line wins.
-struct CategoryRule {
-    enum class Match { Contains, StartsWith, Equals };
-    Match match = Match::Contains;
-    std::string text;      // Windows-1251; compared without regard to case, Cyrillic and Latin
-    std::int32_t type = 0; // 1 income or 2 expense only; 0 either
-    std::optional<double> minAmount; // the amount without its sign, bounds included
-    std::optional<double> maxAmount;
-    std::int32_t categoryId = 0; // by id, so renaming the category keeps the rule
-
-    bool operator==(const CategoryRule&) const = default;
-};
 
 // A line's texts (Windows-1251), its type and its amount in its own currency.
 struct CategorisedLine {
