@@ -22,6 +22,7 @@ struct StatementEntry {
     std::string counterparty; // the payee or payer
     std::string remittance;   // the free text of the payment
     std::string reference;    // the bank's own reference of the entry; empty when it has none
+    std::string notes;        // any further text the file gives (a CSV's notes column)
     std::string account;      // the account the statement is for, when the file says
 
     bool operator==(const StatementEntry&) const = default;

@@ -77,12 +77,15 @@ Result<Statement, StatementReadError> readStatement(std::string_view bytes,
     case StatementFormat::Mt940:
         return statement_readers::readMt940(bytes);
     case StatementFormat::Camt053:
+        return statement_readers::readCamt053(bytes);
     case StatementFormat::Ofx:
+        return statement_readers::readOfx(bytes);
     case StatementFormat::Qif:
+        return statement_readers::readQif(bytes, options.dateOrder);
     case StatementFormat::Csv:
         break;
     }
-    return StatementReadError{"", "Този вид извлечение още не се чете."};
+    return statement_readers::readCsv(bytes, guessCsvLayout(bytes, options.csvLayout));
 }
 
 } // namespace finora

@@ -8,9 +8,7 @@
 
 namespace finora::statement_text {
 
-namespace {
-
-void appendCodePoint(std::string& out, char32_t c)
+void appendUtf8(std::string& out, char32_t c)
 {
     if (c < 0x80) {
         out += static_cast<char>(c);
@@ -28,6 +26,8 @@ void appendCodePoint(std::string& out, char32_t c)
         out += static_cast<char>(0x80 | (c & 0x3F));
     }
 }
+
+namespace {
 
 // Windows-1252 differs from Latin-1 only in 0x80..0x9F; the five unused bytes keep their C1 code.
 constexpr std::array<char16_t, 32> kCp1252High = {
@@ -100,6 +100,25 @@ bool isValidUtf8(std::string_view bytes)
     return true;
 }
 
+Encoding guessEncoding(std::string_view bytes)
+{
+    if (bytes.substr(0, 3) == "\xEF\xBB\xBF" || isValidUtf8(bytes)) {
+        return Encoding::Utf8;
+    }
+    std::size_t high = 0;
+    std::size_t inRuns = 0;
+    for (std::size_t i = 0; i < bytes.size(); ++i) {
+        if (static_cast<unsigned char>(bytes[i]) < 0x80) {
+            continue;
+        }
+        ++high;
+        const bool before = i > 0 && static_cast<unsigned char>(bytes[i - 1]) >= 0x80;
+        const bool after = i + 1 < bytes.size() && static_cast<unsigned char>(bytes[i + 1]) >= 0x80;
+        inRuns += before || after ? 1 : 0;
+    }
+    return inRuns * 2 >= high ? Encoding::Windows1251 : Encoding::Windows1252;
+}
+
 std::string toUtf8(std::string_view bytes, Encoding encoding)
 {
     std::string out;
@@ -112,7 +131,7 @@ std::string toUtf8(std::string_view bytes, Encoding encoding)
         for (const char ch : bytes) {
             const auto b = static_cast<unsigned char>(ch);
             const bool high = encoding == Encoding::Windows1252 && b >= 0x80 && b < 0xA0;
-            appendCodePoint(out, high ? kCp1252High[b - 0x80] : b);
+            appendUtf8(out, high ? kCp1252High[b - 0x80] : b);
         }
         return out;
     case Encoding::Utf8:
@@ -121,7 +140,7 @@ std::string toUtf8(std::string_view bytes, Encoding encoding)
     for (std::size_t i = 0; i < bytes.size();) {
         const std::size_t n = utf8SequenceAt(bytes, i);
         if (n == 0) {
-            appendCodePoint(out, 0xFFFD);
+            appendUtf8(out, 0xFFFD);
             ++i;
         } else {
             out.append(bytes.substr(i, n));

@@ -15,7 +15,12 @@ enum class Encoding { Utf8, Windows1251, Windows1252, Latin1 };
 // reaches the preview as something it can name instead of breaking the whole file.
 std::string toUtf8(std::string_view bytes, Encoding encoding);
 bool isValidUtf8(std::string_view bytes);
+// UTF-8 when the bytes are valid UTF-8 (or start with its BOM); else Windows-1251 when the letters
+// above ASCII come in runs, as Cyrillic words do, and Windows-1252 when they stand alone among
+// Latin letters, as accents do.
+Encoding guessEncoding(std::string_view bytes);
 std::string_view withoutBom(std::string_view bytes);
+void appendUtf8(std::string& out, char32_t codePoint);
 
 std::string_view trim(std::string_view text);
 // Whitespace runs (line breaks included) become one blank; the ends are trimmed.
