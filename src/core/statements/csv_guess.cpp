@@ -301,13 +301,25 @@ void addDirectionByValues(std::map<Role, std::size_t>& roles, const std::vector<
 }
 
 // Columns without a header: the first whose cells are dates, the next whose cells are amounts.
-std::map<Role, std::size_t> rolesByContent(const std::vector<CsvRecord>& rows)
+std::map<Role, std::size_t> rolesByContent(const std::vector<CsvRecord>& allRows)
 {
-    std::map<Role, std::size_t> roles;
-    std::size_t width = 0;
-    for (const CsvRecord& r : rows) {
-        width = std::max(width, r.fields.size());
+    // Lines of the width most lines have: a preamble's lines are narrower.
+    std::map<std::size_t, std::size_t> widths;
+    for (const CsvRecord& r : allRows) {
+        ++widths[r.fields.size()];
     }
+    std::size_t width = 0;
+    std::size_t most = 0;
+    for (const auto& [w, n] : widths) {
+        if (n >= most) {
+            width = w;
+            most = n;
+        }
+    }
+    std::vector<CsvRecord> rows;
+    std::copy_if(allRows.begin(), allRows.end(), std::back_inserter(rows),
+                 [width](const CsvRecord& r) { return r.fields.size() == width; });
+    std::map<Role, std::size_t> roles;
     for (std::size_t c = 0; c < width && c < 64; ++c) {
         const std::vector<std::string> values = columnValues(rows, c);
         if (values.empty()) {

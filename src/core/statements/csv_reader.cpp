@@ -245,9 +245,10 @@ ReadResult readCsv(std::string_view bytes, const CsvLayout& layout)
     const std::string dateFormat = layout.dateFormat.value_or("dd.MM.yyyy");
     Statement statement;
     statement.format = StatementFormat::Csv;
-    // A line whose date is not a date is an error only when entries follow it; after the last
-    // entry it is the bank's total.
+    // A line whose date is not a date is an error only between entries: before the first it is
+    // the bank's preamble, after the last its total.
     std::optional<StatementReadError> pending;
+    std::optional<StatementReadError> firstBadDate;
     for (std::size_t i = headerLine; i < rows.size(); ++i) {
         const CsvRecord& r = rows[i];
         const std::string dateText = cell(r, c.date);
@@ -256,7 +257,11 @@ ReadResult readCsv(std::string_view bytes, const CsvLayout& layout)
         }
         StatementEntry entry;
         if (!parseCsvDate(dateText, dateFormat, entry.year, entry.month, entry.day)) {
-            if (!pending) {
+            if (!firstBadDate) {
+                firstBadDate =
+                    lineError(r.line, "„" + dateText + "“ не е дата във вида " + dateFormat + ".");
+            }
+            if (!pending && !statement.entries.empty()) {
                 pending =
                     lineError(r.line, "„" + dateText + "“ не е дата във вида " + dateFormat + ".");
             }
@@ -276,6 +281,9 @@ ReadResult readCsv(std::string_view bytes, const CsvLayout& layout)
         entry.remittance = st::collapseBlanks(cell(r, c.description));
         entry.notes = st::collapseBlanks(cell(r, c.notes));
         statement.entries.push_back(std::move(entry));
+    }
+    if (statement.entries.empty() && firstBadDate) {
+        return *firstBadDate; // not one date read: the format is wrong, not the preamble
     }
     return statement;
 }

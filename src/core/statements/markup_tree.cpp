@@ -173,12 +173,12 @@ Result<MarkupNode, StatementReadError> readXmlTree(std::string_view bytes)
     return fromXmlNode(root);
 }
 
-Result<MarkupNode, StatementReadError> readSgmlTree(std::string_view text)
+Result<MarkupNode, StatementReadError> readSgmlTree(std::string_view text, std::size_t firstLine)
 {
     MarkupNode root;
     std::vector<MarkupNode*> open{&root};
     bool topHasValue = false; // the innermost open element holds a value: it ends at the next tag
-    std::size_t line = 1;
+    std::size_t line = firstLine;
     std::size_t pos = 0;
     auto advanceTo = [&](std::size_t to) {
         for (; pos < to; ++pos) {

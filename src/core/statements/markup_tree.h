@@ -35,7 +35,7 @@ struct MarkupNode {
 Result<MarkupNode, StatementReadError> readXmlTree(std::string_view bytes);
 
 // OFX 1's SGML, already decoded to UTF-8: elements that hold a value need no closing tag. Returns
-// a root holding the top-level elements.
-Result<MarkupNode, StatementReadError> readSgmlTree(std::string_view text);
+// a root holding the top-level elements; lines are counted from `firstLine`.
+Result<MarkupNode, StatementReadError> readSgmlTree(std::string_view text, std::size_t firstLine);
 
 } // namespace finora::statement_readers

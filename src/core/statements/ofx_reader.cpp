@@ -4,6 +4,7 @@
 #include "core/statements/markup_tree.h"
 #include "core/statements/statement_text.h"
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -107,20 +108,13 @@ ReadResult readOfx(std::string_view bytes)
         }
         const std::string text =
             st::toUtf8(bytes.substr(body), headerEncoding(bytes.substr(0, body)));
-        tree = readSgmlTree(text);
-        if (tree.ok()) {
-            // Line numbers from where the elements begin, after the header's lines.
-            const std::size_t headerLines = st::splitLines(bytes.substr(0, body)).size();
-            std::vector<MarkupNode*> pending{&tree.value()};
-            while (!pending.empty()) {
-                MarkupNode* n = pending.back();
-                pending.pop_back();
-                n->line += headerLines;
-                for (MarkupNode& c : n->children) {
-                    pending.push_back(&c);
-                }
-            }
-        }
+        // Lines are counted from where the elements begin, after the header's lines.
+        const std::string_view header = bytes.substr(0, body);
+        const auto breaks = std::count(header.begin(), header.end(), '\n');
+        tree = readSgmlTree(
+            text,
+            static_cast<std::size_t>(
+                breaks != 0 ? breaks + 1 : std::count(header.begin(), header.end(), '\r') + 1));
     }
     if (!tree.ok()) {
         return tree.error();

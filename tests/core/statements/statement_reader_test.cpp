@@ -314,3 +314,105 @@ INSTANTIATE_TEST_SUITE_P(Formats, StatementSamples, ::testing::ValuesIn(kSamples
                          [](const auto& info) { return std::string(info.param.name); });
 
 } // namespace
+
+namespace {
+
+struct Broken {
+    const char* name;
+    StatementFormat format;
+    std::string bytes;
+    std::string where; // where the reader must say it broke
+};
+
+void PrintTo(const Broken& b, std::ostream* os)
+{
+    *os << b.name;
+}
+
+const std::vector<Broken> kBroken = {
+    {"Mt940EntryLine", StatementFormat::Mt940,
+     ":20:S\n:25:A\n:60F:C261130BGN1,00\n:61:26X201D1,00NTRFX\n", "ред 4"},
+    {"Mt940NoStatement", StatementFormat::Mt940, "hello\n:61:261201D1,00NTRFX\n", "ред 1"},
+    {"CamtNoDirection", StatementFormat::Camt053,
+     "<Document xmlns=\"urn:iso:std:iso:20022:tech:xsd:camt.053.001.02\">\n<BkToCstmrStmt><Stmt>"
+     "\n<Ntry><Amt Ccy=\"BGN\">1.00</Amt><BookgDt><Dt>2026-01-02</Dt></BookgDt></Ntry>"
+     "</Stmt></BkToCstmrStmt></Document>",
+     "елемент Ntry (ред 3)"},
+    {"CamtNotClosed", StatementFormat::Camt053,
+     "<Document>\n<BkToCstmrStmt>\n<Stmt>\n</BkToCstmrStmt></Document>", "ред 4"},
+    {"CamtEntityExpansion", StatementFormat::Camt053,
+     "<?xml version=\"1.0\"?><!DOCTYPE d [<!ENTITY a \"aaaaaaaaaa\"><!ENTITY b \"&a;&a;&a;&a;&a;"
+     "&a;&a;&a;\"><!ENTITY c \"&b;&b;&b;&b;&b;&b;&b;&b;\">]><Document>&c;</Document>",
+     ""},
+    {"CamtExternalEntity", StatementFormat::Camt053,
+     "<!DOCTYPE d [<!ENTITY x SYSTEM \"file:///etc/passwd\">]><Document>&x;</Document>", ""},
+    {"OfxAmount", StatementFormat::Ofx,
+     "OFXHEADER:100\nDATA:OFXSGML\n\n<OFX>\n<BANKMSGSRSV1><STMTTRNRS><STMTRS><BANKTRANLIST>\n"
+     "<STMTTRN>\n<DTPOSTED>20260102\n<TRNAMT>twelve\n</STMTTRN>\n</BANKTRANLIST></STMTRS>"
+     "</STMTTRNRS></BANKMSGSRSV1></OFX>",
+     "елемент STMTTRN (ред 6)"},
+    {"OfxBrokenTag", StatementFormat::Ofx, "OFXHEADER:100\n\n<OFX>\n<STMTRS\n<CURDEF>EUR", "ред 4"},
+    {"QifNoAmount", StatementFormat::Qif,
+     "!Type:Cash\nD01/02/2026\nT-1.00\n^\nD01/03/2026\nPX\n^\n", "ред 5"},
+    {"QifNoType", StatementFormat::Qif, "D01/02/2026\nT-1.00\n^\n", "ред 1"},
+    {"CsvQuoteNotClosed", StatementFormat::Csv,
+     "Дата;Сума;Описание\n01.02.2026;1,00;едно\n02.02.2026;2,00;\"две\n", "ред 3"},
+    {"CsvDateAmongEntries", StatementFormat::Csv,
+     "Дата;Сума\n01.02.2026;1,00\n31.02.2026;2,00\n03.02.2026;3,00\n", "ред 3"},
+    {"CsvAmount", StatementFormat::Csv, "Дата;Сума\n01.02.2026;1,00\n02.02.2026;две\n", "ред 3"},
+};
+
+class BrokenStatements : public ::testing::TestWithParam<Broken> {};
+
+TEST_P(BrokenStatements, SayWhereTheyBroke)
+{
+    const Broken& b = GetParam();
+    StatementReadOptions options;
+    options.format = b.format;
+    const auto read = readStatement(b.bytes, options);
+    ASSERT_FALSE(read.ok());
+    EXPECT_EQ(read.error().where, b.where);
+    EXPECT_FALSE(read.error().reason.empty());
+}
+
+INSTANTIATE_TEST_SUITE_P(Formats, BrokenStatements, ::testing::ValuesIn(kBroken),
+                         [](const auto& info) { return std::string(info.param.name); });
+
+// QIF's dates: the order every date fits, the one the caller names, or the question.
+TEST(QifDateOrder, IsTheOneTheDatesAllowOrTheCallersElseItIsAsked)
+{
+    struct Case {
+        std::vector<std::string> dates;
+        std::optional<DateOrder> asked;
+        std::string firstDate; // empty: refused
+        bool ambiguous;
+    };
+    const std::vector<Case> cases = {
+        {{"03/04/2026"}, std::nullopt, "2026-04-03", true},
+        {{"03/04'26"}, std::nullopt, "2026-03-04", true},
+        {{"03/04/2026", "25/04/2026"}, std::nullopt, "2026-04-03", false},
+        {{"03/04/2026", "04/25/2026"}, std::nullopt, "2026-03-04", false},
+        {{"03/04/2026"}, DateOrder::Mdy, "2026-03-04", false},
+        {{"03/04/2026", "25/04/2026"}, DateOrder::Mdy, "", false},
+        {{"25/04/2026", "04/25/2026"}, std::nullopt, "", false},
+        {{"2026-04-03"}, std::nullopt, "2026-04-03", false},
+        {{" 3/ 4/98"}, DateOrder::Dmy, "1998-04-03", false},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.dates.front() + (c.dates.size() > 1 ? " " + c.dates.back() : ""));
+        std::string qif = "!Type:Bank\n";
+        for (const std::string& d : c.dates) {
+            qif += "D" + d + "\nT-1.00\n^\n";
+        }
+        StatementReadOptions options;
+        options.dateOrder = c.asked;
+        const auto read = readStatement(qif, options);
+        ASSERT_EQ(read.ok(), !c.firstDate.empty());
+        if (read.ok()) {
+            EXPECT_EQ(dateOf(read.value().entries.front()), c.firstDate);
+            EXPECT_EQ(read.value().dateOrderAmbiguous, c.ambiguous);
+        }
+    }
+}
+
+} // namespace
