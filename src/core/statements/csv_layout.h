@@ -62,5 +62,8 @@ CsvLayout guessCsvLayout(std::string_view bytes, const CsvLayout& given = {});
 // The header's fields of a CSV file under a layout, decoded; empty when it has no header line.
 // A saved layout is chosen for a file whose header is the one it was saved for.
 std::vector<std::string> csvHeaderFields(std::string_view bytes, const CsvLayout& layout);
+// Whether a saved layout is the one for a file: the file's header, at the layout's line, holds
+// every column the layout names (a layout that names none, or has no header, fits no file).
+bool csvLayoutFits(std::string_view bytes, const CsvLayout& layout);
 
 } // namespace finora

@@ -314,4 +314,25 @@ std::vector<std::string> csvHeaderFields(std::string_view bytes, const CsvLayout
     return fields;
 }
 
+bool csvLayoutFits(std::string_view bytes, const CsvLayout& layout)
+{
+    CsvLayout read = layout;
+    if (!read.encoding) {
+        read.encoding = statement_text::guessEncoding(bytes.substr(0, 256 * 1024));
+    }
+    const std::vector<std::string> header = csvHeaderFields(bytes, read);
+    bool anyName = false;
+    for (const auto& column : {layout.dateColumn, layout.payeeColumn, layout.descriptionColumn,
+                               layout.notesColumn, layout.currencyColumn, layout.amountColumn,
+                               layout.debitColumn, layout.creditColumn, layout.directionColumn}) {
+        if (column && !column->name.empty()) {
+            anyName = true;
+            if (!statement_readers::columnIndex(*column, header)) {
+                return false;
+            }
+        }
+    }
+    return anyName;
+}
+
 } // namespace finora

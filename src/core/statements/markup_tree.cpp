@@ -29,9 +29,6 @@ MarkupNode fromXmlNode(const xmlNode* element)
     MarkupNode node;
     node.name = fromXml(element->name);
     node.line = static_cast<std::size_t>(xmlGetLineNo(element));
-    if (element->ns != nullptr) {
-        node.namespaceUri = fromXml(element->ns->href);
-    }
     for (const xmlAttr* a = element->properties; a != nullptr; a = a->next) {
         std::string value;
         for (const xmlNode* t = a->children; t != nullptr; t = t->next) {

@@ -16,7 +16,6 @@ namespace finora::statement_readers {
 struct MarkupNode {
     std::string name;
     std::string text; // the element's own text, trimmed
-    std::string namespaceUri;
     std::vector<std::pair<std::string, std::string>> attributes;
     std::vector<MarkupNode> children;
     std::size_t line = 0;

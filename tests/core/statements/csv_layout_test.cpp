@@ -242,4 +242,29 @@ TEST(CsvGuess, KeepsWhatTheUserCorrectedAndGuessesTheRestAroundIt)
     EXPECT_EQ(read.value().entries[0].amountCents, -500);
 }
 
+// A layout saved for one bank is chosen for its next statement and for no other bank's.
+TEST(CsvGuess, ASavedLayoutFitsTheFilesWithItsHeader)
+{
+    const std::string november =
+        cp1251::fromUtf8OrThrow("Сметка BG80;;\nДата;Сума;Основание\n03.11.2026;-1,00;Такса\n");
+    CsvLayout saved = guessCsvLayout(november);
+    saved.descriptionColumn = named("Основание");
+    const auto again = readCsvLayoutJson(writeCsvLayoutJson(saved));
+    ASSERT_TRUE(again.ok());
+    const std::vector<std::pair<std::string, bool>> files = {
+        {cp1251::fromUtf8OrThrow("Сметка BG80;;\nДата;Сума;Основание\n02.12.2026;5,00;Лихва\n"),
+         true},
+        {"\xEF\xBB\xBFСметка BG80;;\nДата;Сума;Основание\n02.12.2026;5,00;Лихва\n", true},
+        {"Дата;Сума;Основание\n02.12.2026;5,00;Лихва\n", false},
+        {"Сметка BG80;;\nДата;Сума;Описание\n02.12.2026;5,00;Лихва\n", false},
+    };
+    for (const auto& [file, fits] : files) {
+        SCOPED_TRACE(file.substr(0, 30));
+        CsvLayout withoutEncoding = again.value();
+        withoutEncoding.encoding.reset();
+        EXPECT_EQ(csvLayoutFits(file, withoutEncoding), fits);
+    }
+    EXPECT_FALSE(csvLayoutFits(november, CsvLayout{}));
+}
+
 } // namespace
