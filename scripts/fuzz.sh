@@ -9,7 +9,8 @@ shift || true
 targets=("$@")
 if ((${#targets[@]} == 0)); then
   targets=(fuzz_ledger_reader fuzz_streaming_reader fuzz_filter_file fuzz_import fuzz_tips fuzz_lock_file
-    fuzz_companion)
+    fuzz_csv_layout fuzz_statement_csv fuzz_statement_camt053 fuzz_statement_ofx fuzz_statement_qif
+    fuzz_statement_mt940 fuzz_companion)
 fi
 
 if ! command -v clang++ >/dev/null; then
@@ -37,7 +38,7 @@ for target in "${targets[@]}"; do
   corpus=build/fuzz/corpus/$target
   mkdir -p "$corpus" build/fuzz/artifacts
   echo "fuzz: $target for ${seconds}s"
-  "build/fuzz/fuzz/$target" "$corpus" "$seeds" -max_total_time="$seconds" -rss_limit_mb=2048 \
+  "build/fuzz/fuzz/$target" "$corpus" "$seeds" fuzz/seeds/statements -max_total_time="$seconds" -rss_limit_mb=2048 \
     -artifact_prefix=build/fuzz/artifacts/ \
     -max_len=65536 -timeout=10 -print_final_stats=1 2>&1 | tail -n 12
 done
