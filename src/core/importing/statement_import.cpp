@@ -202,9 +202,11 @@ std::string fillTexts(ImportLine& line, const StatementEntry& e)
 {
     const StoredText counterparty = toStoredText(e.counterparty);
     const StoredText remittance = toStoredText(e.remittance);
+    const StoredText more = toStoredText(trim(e.notes));
     const StoredText reference = toStoredText(trim(e.reference));
     addNote(line, counterparty);
     addNote(line, remittance);
+    addNote(line, more);
     addNote(line, reference);
     line.description = collapseSpaces(counterparty.bytes);
     if (line.description.empty()) {
@@ -214,6 +216,9 @@ std::string fillTexts(ImportLine& line, const StatementEntry& e)
         line.description = cp1251::fromUtf8OrThrow("без описание");
     }
     line.notes = trim(remittance.bytes);
+    if (!more.bytes.empty()) {
+        line.notes += (line.notes.empty() ? "" : "\n") + more.bytes;
+    }
     if (!reference.bytes.empty()) {
         line.notes += (line.notes.empty() ? "" : "\n") + cp1251::fromUtf8OrThrow("Референция: ") +
                       reference.bytes;

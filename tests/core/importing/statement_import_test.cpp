@@ -11,15 +11,31 @@ namespace {
 StatementEntry entry(int day, std::int64_t cents, std::string currency, std::string counterparty,
                      std::string remittance = {}, std::string reference = {})
 {
-    return StatementEntry{2026,
-                          11,
-                          day,
-                          cents,
-                          std::move(currency),
-                          std::move(counterparty),
-                          std::move(remittance),
-                          std::move(reference),
-                          "BG80BNBG96611020345678"};
+    StatementEntry e;
+    e.year = 2026;
+    e.month = 11;
+    e.day = day;
+    e.amountCents = cents;
+    e.currency = std::move(currency);
+    e.counterparty = std::move(counterparty);
+    e.remittance = std::move(remittance);
+    e.reference = std::move(reference);
+    e.account = "BG80BNBG96611020345678";
+    return e;
+}
+
+StatementEntry withNotes(StatementEntry e)
+{
+    e.notes = " за ноември ";
+    return e;
+}
+
+StatementEntry onDay(int year, int month, int day, StatementEntry e)
+{
+    e.year = year;
+    e.month = month;
+    e.day = day;
+    return e;
 }
 
 std::string utf8(const std::string& cp1251Text)
@@ -68,9 +84,9 @@ TEST_F(StatementImportTest, EachEntryBecomesTheOperationTheEditorWouldStore)
         const char* notes;
         const char* reasonOrNote; // a part of the reason, or of the note on dropped signs
     } cases[] = {
-        {"money in, in leva", entry(3, 150000, "BGN", "АКМЕ ООД", "Заплата", "FT26307"),
-         LineState::New, kIncome, 150000, "BGL", 1.0, "АКМЕ ООД", "Заплата\nРеференция: FT26307",
-         ""},
+        {"money in, in leva", withNotes(entry(3, 150000, "BGN", "АКМЕ ООД", "Заплата", "FT26307")),
+         LineState::New, kIncome, 150000, "BGL", 1.0, "АКМЕ ООД",
+         "Заплата\nза ноември\nРеференция: FT26307", ""},
         {"money out in euro, letters made plain",
          entry(4, -1250, "eur", " Café  René\tGroße ", "покупка"), LineState::New, kExpense, 1250,
          "EUR", 1.95583, "Cafe Rene Grosse", "покупка", ""},
@@ -90,8 +106,8 @@ TEST_F(StatementImportTest, EachEntryBecomesTheOperationTheEditorWouldStore)
          kExpense, 10000, "GBP", 0.0, "Harrods", "", "GBP"},
         {"amount 0", entry(10, 0, "BGN", "Банка"), LineState::NotAdded, kIncome, 0, "BGL", 1.0,
          "Банка", "", "0"},
-        {"no such day", StatementEntry{2026, 2, 30, -100, "BGN", "Банка", "", "", ""},
-         LineState::NotAdded, kExpense, 100, "BGL", 1.0, "Банка", "", "дата"},
+        {"no such day", onDay(2026, 2, 30, entry(1, -100, "BGN", "Банка")), LineState::NotAdded,
+         kExpense, 100, "BGL", 1.0, "Банка", "", "дата"},
         {"a currency that is no code", entry(11, -100, "€$", "Банка"), LineState::NotAdded,
          kExpense, 100, "", 1.0, "Банка", "", "€$"},
     };
