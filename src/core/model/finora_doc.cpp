@@ -356,6 +356,7 @@ bool CFinoraDoc::checkLock(std::string_view password, LockCheck mode)
 void CFinoraDoc::clear()
 {
     m_ledger = Ledger();
+    m_companion.clear();
     m_history.clear();
     m_step = HistoryStep();
     ++m_recordsRevision;
@@ -365,6 +366,7 @@ void CFinoraDoc::clear()
 void CFinoraDoc::replaceLedger(Ledger ledger)
 {
     m_ledger = std::move(ledger);
+    m_companion.clear();
     m_history.clear();
     m_step = HistoryStep();
     ++m_recordsRevision;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/companion/companion.h"
 #include "core/model/clock.h"
 #include "core/model/history.h"
 #include "core/model/ledger.h"
@@ -27,6 +28,10 @@ public:
     explicit CFinoraDoc(const Clock& clock);
 
     const Ledger& ledger() const { return m_ledger; }
+    // What the ledger keeps beside its file. It changes only with a change of the ledger (an
+    // import adds to both in one command), so the ledger's modified flag and save cover it.
+    const Companion& companion() const { return m_companion; }
+    Companion& companion() { return m_companion; }
     const Clock& clock() const { return m_clock; }
 
     // --- lookups
@@ -104,10 +109,11 @@ public:
     // good (a change, so it is auto-saved). A wrong password changes nothing.
     bool checkLock(std::string_view password, LockCheck mode);
 
-    // Back to an empty ledger: no records, counters 0, no lock text, no history. The unlocked
-    // flag stays.
+    // Back to an empty ledger: no records, counters 0, no lock text, no companion data, no
+    // history. The unlocked flag stays.
     void clear();
-    // Takes a ledger read from a file; the document is not marked modified and has no history.
+    // Takes a ledger read from a file, with no companion data yet; the document is not marked
+    // modified and has no history.
     void replaceLedger(Ledger ledger);
 
     // Called after every successful change, once the document is marked modified.
@@ -156,6 +162,7 @@ private:
 
     const Clock& m_clock;
     Ledger m_ledger;
+    Companion m_companion;
     std::string m_path;
     bool m_modified = false;
     std::uint64_t m_recordsRevision = 0;
