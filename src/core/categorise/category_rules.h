@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/model/category_rule.h"
+#include "core/companion/category_rule.h"
 #include "core/model/ledger.h"
 
 #include <cstdint>

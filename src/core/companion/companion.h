@@ -1,9 +1,12 @@
 #pragma once
 
+#include "core/companion/category_rule.h"
+
 #include <cstdint>
 #include <map>
 #include <string>
 #include <unordered_map>
+#include <vector>
 
 namespace finora {
 
@@ -24,14 +27,17 @@ struct ImportedOperation {
 struct Companion {
     // Statement entries already added, by the key the import gives each entry.
     std::unordered_map<std::string, ImportedOperation> imported;
+    // The user's categorisation rules, in the order they are tried.
+    std::vector<CategoryRule> rules;
     // Sections this program does not know (a newer one wrote them), each as the JSON text it
     // was read as, so that saving here does not lose another version's data.
     std::map<std::string, std::string> otherSections;
 
-    bool empty() const { return imported.empty() && otherSections.empty(); }
+    bool empty() const { return imported.empty() && rules.empty() && otherSections.empty(); }
     void clear()
     {
         imported.clear();
+        rules.clear();
         otherSections.clear();
     }
     bool operator==(const Companion&) const = default;

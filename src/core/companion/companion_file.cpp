@@ -1,6 +1,10 @@
 #include "core/companion/companion_file.h"
 
+#include "core/text/cp1251.h"
+
 #include <algorithm>
+#include <array>
+#include <cmath>
 #include <cstdio>
 #include <nlohmann/json.hpp>
 #include <vector>
@@ -12,6 +16,12 @@ using Json = nlohmann::ordered_json;
 
 constexpr const char* kVersionKey = "finora_companion";
 constexpr const char* kImportedKey = "imported";
+constexpr const char* kRulesKey = "rules";
+constexpr std::array<std::pair<CategoryRule::Match, const char*>, 3> kMatchNames = {{
+    {CategoryRule::Match::Contains, "contains"},
+    {CategoryRule::Match::StartsWith, "starts_with"},
+    {CategoryRule::Match::Equals, "equals"},
+}};
 // Deeper than any section of ours needs; the parser then never works on a hostile nesting.
 constexpr int kMaxDepth = 32;
 
@@ -111,6 +121,78 @@ bool readImported(const Json& list, Companion& out, std::string& where)
     return true;
 }
 
+bool optionalAmount(const Json& object, const char* name, std::optional<double>& out)
+{
+    const auto it = object.find(name);
+    if (it == object.end() || it->is_null()) {
+        return true;
+    }
+    if (!it->is_number() || !std::isfinite(it->get<double>()) || it->get<double>() < 0) {
+        return false;
+    }
+    out = it->get<double>();
+    return true;
+}
+
+bool readRule(const Json& item, CategoryRule& rule)
+{
+    if (!item.is_object()) {
+        return false;
+    }
+    const auto match = item.find("match");
+    const auto text = item.find("text");
+    if (match == item.end() || !match->is_string() || text == item.end() || !text->is_string()) {
+        return false;
+    }
+    const auto name = std::find_if(kMatchNames.begin(), kMatchNames.end(), [&](const auto& m) {
+        return match->get_ref<const std::string&>() == m.second;
+    });
+    if (name == kMatchNames.end() ||
+        !cp1251::fromUtf8(text->get_ref<const std::string&>(), rule.text)) {
+        return false;
+    }
+    rule.match = name->first;
+    return integerField(item, "category", rule.categoryId) &&
+           (item.find("type") == item.end() || integerField(item, "type", rule.type)) &&
+           rule.type >= 0 && rule.type <= 2 && optionalAmount(item, "min", rule.minAmount) &&
+           optionalAmount(item, "max", rule.maxAmount);
+}
+
+bool readRules(const Json& list, Companion& out, std::string& where)
+{
+    where = kRulesKey;
+    if (!list.is_array()) {
+        return false;
+    }
+    for (std::size_t i = 0; i < list.size(); ++i) {
+        where = std::string(kRulesKey) + "[" + std::to_string(i) + "]";
+        CategoryRule rule;
+        if (!readRule(list[i], rule)) {
+            return false;
+        }
+        out.rules.push_back(std::move(rule));
+    }
+    where.clear();
+    return true;
+}
+
+Json ruleJson(const CategoryRule& rule)
+{
+    const auto name = std::find_if(kMatchNames.begin(), kMatchNames.end(),
+                                   [&](const auto& m) { return m.first == rule.match; });
+    Json item{{"match", name->second},
+              {"text", cp1251::toUtf8(rule.text)},
+              {"type", rule.type},
+              {"category", rule.categoryId}};
+    if (rule.minAmount) {
+        item["min"] = *rule.minAmount;
+    }
+    if (rule.maxAmount) {
+        item["max"] = *rule.maxAmount;
+    }
+    return item;
+}
+
 } // namespace
 
 std::string companionPathFor(const std::string& ledgerPath)
@@ -157,6 +239,10 @@ CompanionReadResult readCompanion(std::string_view bytes, Companion& out)
             if (!readImported(value, read, result.where)) {
                 return result;
             }
+        } else if (name == kRulesKey) {
+            if (!readRules(value, read, result.where)) {
+                return result;
+            }
         } else if (name != kVersionKey) {
             read.otherSections[name] = value.dump();
         }
@@ -188,6 +274,12 @@ std::string serializeCompanion(const Companion& companion)
                                 {"date", dateText(op.date)},
                                 {"amount_cents", op.amountCents},
                                 {"type", op.type}});
+    }
+    if (!companion.rules.empty()) {
+        Json& rules = root[kRulesKey] = Json::array();
+        for (const CategoryRule& rule : companion.rules) {
+            rules.push_back(ruleJson(rule));
+        }
     }
     for (const auto& [name, text] : companion.otherSections) {
         root[name] = Json::parse(text);

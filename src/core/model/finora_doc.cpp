@@ -373,6 +373,20 @@ void CFinoraDoc::replaceLedger(Ledger ledger)
     notify(nullptr, nullptr);
 }
 
+void CFinoraDoc::setRules(std::vector<CategoryRule> rules, std::string label)
+{
+    ChangeBatch step(*this, std::move(label));
+    if (recording()) {
+        if (!m_step.rules) {
+            m_step.rules.emplace(m_companion.rules, rules);
+        } else {
+            m_step.rules->second = rules;
+        }
+    }
+    m_companion.rules = std::move(rules);
+    changed();
+}
+
 void CFinoraDoc::addObserver(OperationObserver* observer)
 {
     m_observers.push_back(observer);
@@ -437,6 +451,9 @@ void CFinoraDoc::applyStep(HistoryStep& step, bool undo)
     // The step keeps the counters it does not leave, so one swap serves both ways.
     if (step.counters) {
         std::swap(*step.counters, m_ledger.counters);
+    }
+    if (step.rules) {
+        m_companion.rules = undo ? step.rules->first : step.rules->second;
     }
     if (step.lock) {
         const LockState& lock = undo ? step.lock->first : step.lock->second;

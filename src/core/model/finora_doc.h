@@ -109,6 +109,10 @@ public:
     // good (a change, so it is auto-saved). A wrong password changes nothing.
     bool checkLock(std::string_view password, LockCheck mode);
 
+    // Replaces the categorisation rules the companion keeps: a change of the ledger, one step of
+    // the history named by `label` (UTF-8).
+    void setRules(std::vector<CategoryRule> rules, std::string label);
+
     // Back to an empty ledger: no records, counters 0, no lock text, no companion data, no
     // history. The unlocked flag stays.
     void clear();

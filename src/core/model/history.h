@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/companion/category_rule.h"
 #include "core/model/ledger.h"
 
 #include <cstddef>
@@ -159,10 +160,13 @@ struct HistoryStep {
     // The lock before and after, for a step that changed it: done again, setting a protection
     // locks the ledger again, whatever unlocking came in between.
     std::optional<std::pair<LockState, LockState>> lock;
+    // The categorisation rules before and after, for a step that changed them.
+    std::optional<std::pair<std::vector<CategoryRule>, std::vector<CategoryRule>>> rules;
 
     bool empty() const
     {
-        return currencies.empty() && categories.empty() && operations.empty() && !counters && !lock;
+        return currencies.empty() && categories.empty() && operations.empty() && !counters &&
+               !lock && !rules;
     }
 };
 
