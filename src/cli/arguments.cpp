@@ -49,6 +49,11 @@ constexpr KnownOption kOptions[] = {
     {"--png", true},
     {"--width", true},
     {"--height", true},
+    {"--eur", false},
+    {"--date", true},
+    {"--descr", true},
+    {"--rate", true},
+    {"--notes", true},
 };
 
 } // namespace

@@ -41,6 +41,9 @@ constexpr Command kCommands[] = {
     {"unlock", 1, cmdUnlock, "unlock FILE --password P           премахва защитата"},
     {"save-filter", 1, cmdSaveFilter, "save-filter OUT.ffl [филтър]       записва филтър"},
     {"show-filter", 1, cmdShowFilter, "show-filter IN.ffl --json          показва филтър"},
+    {"add", 1, cmdAdd,
+     "add FILE --date Д-М-ГГГГ --type 1|2 --descr ТЕКСТ --category ID --amount A --currency "
+     "КОД [--rate R] [--notes ТЕКСТ] [--paid 0|1]   добавя една операция"},
 };
 
 void printHelp(std::ostream& out)
@@ -60,7 +63,9 @@ void printHelp(std::ostream& out)
            "        --category ID (повече от веднъж) --subcategories --filter IN.ffl\n"
            "Търсене: --search ТЕКСТ --mode and|or|not --exact --in description,notes,currency\n"
            "         --case-sensitive --only-matching\n"
-           "Сума: --amount A --tolerance T --also-bgl\n\n"
+           "Сума: --amount A --tolerance T --also-bgl\n"
+           "--eur: list, export, cash, year и report показват левовите суми в евро (1.95583 лв за"
+           " 1 евро).\n\n"
            "Команди, които записват документ, го заключват за времето си; документ, отворен във\n"
            "Finora, се записва само с --force.\n\n"
            "Изходен код: 0 успех, 1 грешна употреба, 2 файлът не може да бъде прочетен,\n"

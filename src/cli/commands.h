@@ -28,5 +28,7 @@ int cmdImport(Session& s, std::ostream& out);
 int cmdLock(Session& s, std::ostream& out);
 int cmdUnlock(Session& s, std::ostream& out);
 int cmdSaveFilter(Session& s, std::ostream& out);
+// One operation through the operation editor's own rules.
+int cmdAdd(Session& s, std::ostream& out);
 
 } // namespace finora::cli

@@ -1,5 +1,8 @@
 #include "cli/list_options.h"
 
+#include "core/model/currency.h"
+#include "core/model/euro.h"
+
 #include <algorithm>
 
 namespace finora::cli {
@@ -88,7 +91,9 @@ StoredFilter criteriaFromOptions(Session& s)
         f.criteria.paidState = parseChoice(*v, "--paid");
     }
     if (const auto v = a.value("--currency")) {
-        f.criteria.currency = toCp1251(*v, "--currency");
+        // The lev as banks write it names the main currency too.
+        f.criteria.currency =
+            isMainCurrencyCode(*v) ? std::string(kMainCurrencyName) : toCp1251(*v, "--currency");
     }
     if (a.values.count("--category")) {
         f.criteria.categories.clear();

@@ -75,14 +75,15 @@ void writeListJson(std::ostream& out, const OperationsList& list)
 {
     const ListTotals& t = list.totals();
     JsonWriter json(out);
+    const MainMoney money = t.money.mode();
     json.beginObject().key("columns").beginArray();
-    for (const auto& c : listColumns()) {
-        json.value(c.header);
+    for (int c = 0; c < listColumnCount(money); ++c) {
+        json.value(listColumnHeader(c, money));
     }
     json.endArray().key("rows").beginArray();
     for (std::size_t r = 0; r < list.rowCount(); ++r) {
         json.beginObject().key("cells").beginArray();
-        for (int c = 0; c < kListColumnCount; ++c) {
+        for (int c = 0; c < listColumnCount(money); ++c) {
             json.value(utf8(list.cellText(r, c)));
         }
         json.endArray().key("selected").value(list.isSelected(r)).endObject();
@@ -101,11 +102,11 @@ void writeListJson(std::ostream& out, const OperationsList& list)
     out << '\n';
 }
 
-void writeCashJson(std::ostream& out, const std::vector<CashRow>& rows)
+void writeCashJson(std::ostream& out, const std::vector<CashRow>& rows, MainMoney money)
 {
     JsonWriter json(out);
     json.beginObject().key("columns").beginArray();
-    for (const char* h : cashColumnHeaders()) {
+    for (const char* h : cashColumnHeaders(money)) {
         json.value(h);
     }
     json.endArray().key("rows").beginArray();
@@ -183,8 +184,9 @@ void writeList(std::ostream& out, const OperationsList& list, bool json)
         writeListJson(out, list);
         return;
     }
+    const int columns = listColumnCount(list.totals().money.mode());
     for (std::size_t r = 0; r < list.rowCount(); ++r) {
-        for (int c = 0; c < kListColumnCount; ++c) {
+        for (int c = 0; c < columns; ++c) {
             out << (c ? "\t" : "") << utf8(list.cellText(r, c));
         }
         out << '\n';
@@ -194,10 +196,10 @@ void writeList(std::ostream& out, const OperationsList& list, bool json)
         << "\nбаланс: " << utf8(t.balanceText()) << '\n';
 }
 
-void writeCash(std::ostream& out, const std::vector<CashRow>& rows, bool json)
+void writeCash(std::ostream& out, const std::vector<CashRow>& rows, MainMoney money, bool json)
 {
     if (json) {
-        writeCashJson(out, rows);
+        writeCashJson(out, rows, money);
         return;
     }
     for (const CashRow& row : rows) {

@@ -23,7 +23,7 @@ void writeInfo(std::ostream& out, const std::string& path, const Ledger& ledger,
                bool json);
 void writeDump(std::ostream& out, const Ledger& ledger, double version);
 void writeList(std::ostream& out, const OperationsList& list, bool json);
-void writeCash(std::ostream& out, const std::vector<CashRow>& rows, bool json);
+void writeCash(std::ostream& out, const std::vector<CashRow>& rows, MainMoney money, bool json);
 void writeYear(std::ostream& out, int year, bool hasData, const YearlySummary& summary);
 void writeFilter(std::ostream& out, const StoredFilter& filter);
 void writeImport(std::ostream& out, const ImportResult& result, bool json);

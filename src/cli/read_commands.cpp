@@ -50,7 +50,8 @@ int cmdExport(Session& s, std::ostream& out)
 int cmdCash(Session& s, std::ostream& out)
 {
     s.open(s.args().positional[1], true);
-    writeCash(out, cashRows(s.doc(), s.settings()), s.args().has("--json"));
+    writeCash(out, cashRows(s.doc(), s.settings()), s.settings().mainMoney(),
+              s.args().has("--json"));
     return kOk;
 }
 
@@ -59,7 +60,7 @@ int cmdYear(Session& s, std::ostream& out)
     s.open(s.args().positional[1], true);
     const int year = parseYear(s.args().positional[2]);
     YearlySummary summary;
-    const bool hasData = computeYearlySummary(s.doc(), year, summary);
+    const bool hasData = computeYearlySummary(s.doc(), year, summary, s.settings().mainMoney());
     writeYear(out, year, hasData, summary);
     return kOk;
 }
@@ -120,7 +121,7 @@ int cmdChart(Session& s, std::ostream& out)
     s.open(s.args().positional[1], true);
     const int year = parseYear(s.args().positional[2]);
     YearlySummary summary;
-    computeYearlySummary(s.doc(), year, summary);
+    computeYearlySummary(s.doc(), year, summary, s.settings().mainMoney());
     if (!renderer.chartPng(*png, summary, year, width, height)) {
         throw Failure{kNotWritten, "диаграмата не може да бъде записана в „" + *png + "“."};
     }

@@ -30,6 +30,9 @@ Session::Session(const Arguments& args, const SettingsStore& userSettings, Rende
       m_clock(args.value("--now") ? static_cast<const Clock&>(m_fixed) : m_system), m_doc(m_clock),
       m_storage(m_doc, m_settings, m_prompter, m_host, m_backups)
 {
+    // Figures in leva unless --eur asks for euro, whatever the desktop program shows.
+    m_settings.setValue(IntSetting::EuroDisplay,
+                        static_cast<int>(args.has("--eur") ? MainMoney::Euro : MainMoney::Levs));
     m_storage.setChangedOnDisk(args.has("--force") ? DocumentStorage::ChangedOnDisk::Overwrite
                                                    : DocumentStorage::ChangedOnDisk::Refuse);
     // Older files are converted without a question: that is the command line's contract.

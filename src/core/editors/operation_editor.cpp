@@ -1,6 +1,7 @@
 #include "core/editors/operation_editor.h"
 
 #include "core/model/choice_lists.h"
+#include "core/model/euro.h"
 #include "core/model/number_text.h"
 #include "core/reports/rate_suggestion.h"
 #include "core/text/cp1251.h"
@@ -42,6 +43,11 @@ OperationEditor::OperationEditor(CFinoraDoc& doc, Settings& settings, Prompter& 
       m_valueText(finora::amountText(0.0)), m_currency(doc.currencyName(0))
 {
     m_currencies = currencyNames(doc);
+    // Whoever has chosen to see money in euro pays in euro: a new operation starts with it.
+    const std::string euro(kEuroName);
+    if (isNew() && m_settings.mainMoney() != MainMoney::Levs && doc.currencyId(euro) > 0) {
+        m_currency = euro;
+    }
     applyCurrencyRule();
     if (isNew()) {
         const int opType = m_settings.value(IntSetting::OpType);
@@ -228,7 +234,10 @@ void OperationEditor::setText(EntryField field, std::string text)
     const double amount = number(EntryField::Amount);
     switch (field) {
     case EntryField::Amount:
-        if (isMainCurrency() || m_entryRecordId <= 0) {
+        if (const auto fixed = newPaymentLegalRate()) {
+            setNumber(EntryField::Rate, *fixed);
+            setNumber(EntryField::Value, amount * *fixed);
+        } else if (isMainCurrency() || m_entryRecordId <= 0) {
             // A new foreign payment starts again from rate 1 whenever its amount changes: the
             // rate is suggested when the currency is picked, after the amount.
             setNumber(EntryField::Rate, 1.0);
@@ -264,6 +273,11 @@ void OperationEditor::currencyListClosed()
     }
 }
 
+std::optional<double> OperationEditor::newPaymentLegalRate() const
+{
+    return m_entryRecordId < 1 ? legalRate(m_currency, m_date) : std::nullopt;
+}
+
 void OperationEditor::applyCurrencyRule()
 {
     if (isMainCurrency()) {
@@ -274,7 +288,12 @@ void OperationEditor::applyCurrencyRule()
     }
     // Whether the value field is enabled is the list-closed rule's alone.
     m_readOnlyRate = false;
-    if (m_entryRecordId < 1) {
+    if (const auto fixed = newPaymentLegalRate()) {
+        // The euro's rate is the law's, not a guess from past exchanges; the user may still
+        // type another.
+        setNumber(EntryField::Rate, *fixed);
+        setNumber(EntryField::Value, number(EntryField::Amount) * *fixed);
+    } else if (m_entryRecordId < 1) {
         if (const auto s = suggestRate(m_doc, m_settings, m_prompter, number(EntryField::Amount),
                                        m_currency)) {
             setNumber(EntryField::Rate, s->rate);

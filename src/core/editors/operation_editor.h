@@ -6,6 +6,7 @@
 
 #include <array>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -158,6 +159,8 @@ private:
     void openStored(std::int32_t editedId);
     void addStoredRow(const Operation& op);
     void applyCurrencyRule();
+    // The euro's fixed rate for a payment being added on the operation's date, if it applies.
+    std::optional<double> newPaymentLegalRate() const;
     bool isMainCurrency() const;
     const std::string* textOf(EntryField field) const;
     std::string* textOf(EntryField field);

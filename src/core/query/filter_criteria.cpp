@@ -13,6 +13,12 @@ const std::string& allCurrenciesItem()
     return item;
 }
 
+const std::string& allCurrenciesItem(MainMoney money)
+{
+    static const std::string euro = cp1251::fromUtf8OrThrow(":: ВСИЧКИ ВАЛУТИ В EUR ::");
+    return money == MainMoney::Euro ? euro : allCurrenciesItem();
+}
+
 bool FilterCriteria::allCurrencies() const
 {
     return currency.empty() || currency == allCurrenciesItem();

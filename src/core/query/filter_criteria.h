@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/model/date_time.h"
+#include "core/model/euro.h"
 
 #include <cstdint>
 #include <string>
@@ -28,8 +29,11 @@ struct FilterCriteria {
     bool operator==(const FilterCriteria&) const = default;
 };
 
-// ":: ВСИЧКИ ВАЛУТИ В BGL ::" in Windows-1251.
+// ":: ВСИЧКИ ВАЛУТИ В BGL ::" in Windows-1251: what the criteria and filter files hold.
 const std::string& allCurrenciesItem();
+// The same item as the user sees it in a money mode; in euro mode it names the euro. Only for
+// showing: the criteria keep the item above in every mode.
+const std::string& allCurrenciesItem(MainMoney money);
 
 // "Без филтър": every category, from the earliest to the latest of now and every entry's date,
 // income and expense, all currencies, paid or not.

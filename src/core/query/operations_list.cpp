@@ -54,32 +54,57 @@ const std::array<ListColumnSpec, kListColumnCount>& listColumns()
         {"последна модификация", ColumnAlignment::Left, 150,
          static_cast<int>(Column::LastModified)},
         {"изплатено", ColumnAlignment::Centre, 80, static_cast<int>(Column::Payed)},
+        {"сума в EUR", ColumnAlignment::Right, 80, static_cast<int>(Column::SumBGL)},
     }};
     return columns;
+}
+
+int listColumnCount(MainMoney money)
+{
+    return money == MainMoney::Both ? kListColumnCount : kColAmountEuro;
+}
+
+const char* listColumnHeader(int column, MainMoney money)
+{
+    if (column == kColAmountBgl && money == MainMoney::Euro) {
+        return listColumns()[kColAmountEuro].header;
+    }
+    return listColumns()[static_cast<std::size_t>(column)].header;
 }
 
 int columnWidth(int column, const Settings& settings)
 {
     const ListColumnSpec& spec = listColumns()[static_cast<std::size_t>(column)];
-    if (spec.visibilityKey < 0) {
+    if (spec.visibilityKey < 0 || column >= listColumnCount(settings.mainMoney())) {
         return 0;
     }
     return settings.columnShown(static_cast<Column>(spec.visibilityKey)) ? spec.width : 0;
 }
 
+namespace {
+
+// A total labelled in the main currency is a lev figure and is shown as the money mode says.
+std::string totalText(const ListTotals& t, double value)
+{
+    return t.label == kMainCurrencyName ? t.money.totalText(value)
+                                        : amountWithCurrencyText(value, t.label);
+}
+
+} // namespace
+
 std::string ListTotals::incomeText() const
 {
-    return amountWithCurrencyText(income, label);
+    return totalText(*this, income);
 }
 
 std::string ListTotals::expenseText() const
 {
-    return amountWithCurrencyText(expense, label);
+    return totalText(*this, expense);
 }
 
 std::string ListTotals::balanceText() const
 {
-    return amountWithCurrencyText(income - expense, label);
+    return totalText(*this, income - expense);
 }
 
 OperationsList::OperationsList(CFinoraDoc& doc, Settings& settings, Prompter& prompter)
@@ -94,6 +119,7 @@ void OperationsList::startTotals()
     m_totals.expense = 0.0;
     m_totals.label =
         m_criteria.allCurrencies() ? std::string(kMainCurrencyName) : m_criteria.currency;
+    m_totals.money = MainMoneyView(m_settings.mainMoney());
 }
 
 void OperationsList::refresh()
@@ -157,7 +183,9 @@ std::string OperationsList::cellText(const Row& r, int column) const
     case kColCurrency:
         return m_doc.currencyName(op.currencyId());
     case kColAmountBgl:
-        return amountText(op.amountBgl());
+        return money().text(op.amountBgl());
+    case kColAmountEuro:
+        return amountText(levsToEuro(op.amountBgl()));
     case kColNotes:
         return op.notes();
     case kColLastModified:
@@ -273,9 +301,11 @@ void OperationsList::search(const SearchRequest& original)
 void OperationsList::totalsFromRows()
 {
     startTotals();
-    const int amountColumn = m_criteria.allCurrencies() ? kColAmountBgl : kColAmount;
+    const bool allCurrencies = m_criteria.allCurrencies();
     for (std::size_t i = 0; i < m_rows.size(); ++i) {
-        const double value = parseNumber(cellText(i, amountColumn));
+        // The lev texts even in euro mode: the euro total is the lev total divided once.
+        const Operation& op = *m_rows[i].op;
+        const double value = parseNumber(amountText(allCurrencies ? op.amountBgl() : op.amount()));
         (cellText(i, kColType) == kIncomeMark ? m_totals.income : m_totals.expense) += value;
     }
 }
@@ -294,7 +324,7 @@ void OperationsList::filterByAmount(double amount, double tolerance, bool alsoBg
             return false;
         }
         if (alsoBgl) {
-            const double b = parseNumber(amountText(row.op->amountBgl()));
+            const double b = parseNumber(money().text(row.op->amountBgl()));
             return !(low <= b && b <= high);
         }
         return true;

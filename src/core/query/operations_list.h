@@ -14,7 +14,7 @@
 
 namespace finora {
 
-// The twelve columns of the main list, in order.
+// The columns of the main list, in order; the last exists only while both currencies are shown.
 enum ListColumn : int {
     kColNumber,
     kColMaster,
@@ -28,6 +28,7 @@ enum ListColumn : int {
     kColNotes,
     kColLastModified,
     kColPaid,
+    kColAmountEuro, // only in dual mode, shown beside the lev column
     kListColumnCount
 };
 
@@ -41,7 +42,12 @@ struct ListColumnSpec {
 };
 
 const std::array<ListColumnSpec, kListColumnCount>& listColumns();
-// The width a column gets now: 0 for the id columns and for columns the user has hidden.
+// How many of the columns exist in a money mode: the euro column only in dual mode.
+int listColumnCount(MainMoney money);
+// The header as shown (UTF-8): the main-currency column names the currency it is shown in.
+const char* listColumnHeader(int column, MainMoney money);
+// The width a column gets now: 0 for the id columns, for columns the user has hidden and for
+// the euro column outside dual mode.
 int columnWidth(int column, const Settings& settings);
 
 // What the search dialog asks for. The text is Windows-1251.
@@ -61,6 +67,7 @@ struct ListTotals {
     double income = 0.0;
     double expense = 0.0;
     std::string label{kMainCurrencyName}; // Windows-1251
+    MainMoneyView money;                  // how totals labelled in the main currency are shown
     // "%.2f %s" texts, Windows-1251.
     std::string incomeText() const;
     std::string expenseText() const;
@@ -104,8 +111,8 @@ public:
     void search(const SearchRequest& request);
     const std::string& lastSearchText() const { return m_lastSearchText; }
     bool lastSearchCaseSensitive() const { return m_lastSearchCaseSensitive; }
-    // Keeps the rows whose amount (or, with alsoBgl, amount in BGL) text lies within
-    // amount ± tolerance. Totals stay as they are.
+    // Keeps the rows whose amount (or, with alsoBgl, main-currency value as the list shows it)
+    // text lies within amount ± tolerance. Totals stay as they are.
     void filterByAmount(double amount, double tolerance, bool alsoBgl);
 
     // The row commands, each with its confirmation; false when refused or declined.
@@ -131,6 +138,7 @@ private:
     };
 
     std::string cellText(const Row& row, int column) const;
+    MainMoneyView money() const { return m_totals.money; }
     bool confirmDeletion();
     void deleteRows(bool selectedOnly);
     bool rowMatches(const Row& row, const SearchRequest& request,

@@ -59,32 +59,45 @@ CurrencySummary summariseCurrency(const CFinoraDoc& doc, const Settings& setting
     return s;
 }
 
-const std::array<const char*, kCashColumnCount>& cashColumnHeaders()
+const std::array<const char*, kCashColumnCount>& cashColumnHeaders(MainMoney money)
 {
-    static const std::array<const char*, kCashColumnCount> headers = {
+    static const std::array<const char*, kCashColumnCount> levs = {
         "",           "валута",       "в наличност", "ср. стойност в BGL",
         "сред. курс", "бр. операции", "приход",      "разход"};
-    return headers;
+    static const std::array<const char*, kCashColumnCount> euro = [] {
+        auto headers = levs;
+        headers[3] = "ср. стойност в EUR";
+        return headers;
+    }();
+    return money == MainMoney::Euro ? euro : levs;
 }
 
-CashRow cashRow(const CurrencySummary& s, const std::string& name)
+CashRow cashRow(const CurrencySummary& s, const std::string& name, MainMoney money)
 {
+    const MainMoneyView shown(money);
+    const bool main = s.currencyId == 0;
+    // The main currency's own amounts are lev figures like the values.
+    const auto amount = [&](double value) { return main ? shown.text(value) : amountText(value); };
     CashRow row;
     row[0] = idText(s.currencyId);
     row[1] = name;
-    row[2] = amountText(s.amountInStock);
-    if (s.currencyId == 0) {
-        row[3] = amountText(s.valueInStock);
+    row[2] = amount(s.amountInStock);
+    if (main) {
+        row[3] = shown.text(s.valueInStock);
         row[4] = "1.000000";
+    } else if (name == kEuroName) {
+        // The euro is worth its fixed rate, whatever was typed for it.
+        row[3] = shown.text(s.amountInStock * kLevsPerEuro);
+        row[4] = rateText(kLevsPerEuro);
     } else {
         // Without paid records the rate is undefined; the value is then shown as zero.
         const double value = std::isnan(s.averagedRate) ? 0.0 : s.amountInStock * s.averagedRate;
-        row[3] = amountText(value);
+        row[3] = shown.text(value);
         row[4] = s.amountInStock != 0.0 && s.valueInStock != 0.0 ? rateText(s.averagedRate) : "n/a";
     }
     row[5] = idText(s.recordCount);
-    row[6] = amountText(s.incomeAmount);
-    row[7] = amountText(s.expenseAmount);
+    row[6] = amount(s.incomeAmount);
+    row[7] = amount(s.expenseAmount);
     return row;
 }
 
@@ -109,7 +122,7 @@ std::vector<CashRow> cashRows(const CFinoraDoc& doc, const Settings& settings)
         // A currency that repeats an earlier id shows that one's figures, as lookups do.
         CurrencySummary shown = summaries[slot.at(summaries[i].currencyId)];
         finish(shown, doc, settings);
-        rows.push_back(cashRow(shown, names[i]));
+        rows.push_back(cashRow(shown, names[i], settings.mainMoney()));
     }
     std::stable_sort(rows.begin(), rows.end(),
                      [](const CashRow& a, const CashRow& b) { return a[1] < b[1]; });

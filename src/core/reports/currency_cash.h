@@ -31,9 +31,12 @@ CurrencySummary summariseCurrency(const CFinoraDoc& doc, const Settings& setting
 // The currency cash window's rows: the main currency, then every currency of the ledger,
 // sorted by name; all of them from one pass over the operations.
 inline constexpr std::size_t kCashColumnCount = 8;
-using CashRow = std::array<std::string, kCashColumnCount>;            // Windows-1251 texts
-const std::array<const char*, kCashColumnCount>& cashColumnHeaders(); // UTF-8
+using CashRow = std::array<std::string, kCashColumnCount>; // Windows-1251 texts
+// UTF-8; in euro mode the value column names the euro.
+const std::array<const char*, kCashColumnCount>& cashColumnHeaders(MainMoney money);
+// Values, and the main currency's own amounts, are shown in the money mode of the settings. The
+// euro is valued at its fixed rate.
 std::vector<CashRow> cashRows(const CFinoraDoc& doc, const Settings& settings);
-CashRow cashRow(const CurrencySummary& summary, const std::string& name);
+CashRow cashRow(const CurrencySummary& summary, const std::string& name, MainMoney money);
 
 } // namespace finora

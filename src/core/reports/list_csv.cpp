@@ -30,7 +30,7 @@ void writeListCsv(std::ostream& out, const OperationsList& list, const std::vect
     const char* separator = "";
     for (int c : columns) {
         out << separator;
-        writeField(out, listColumns()[static_cast<std::size_t>(c)].header);
+        writeField(out, listColumnHeader(c, list.totals().money.mode()));
         separator = ",";
     }
     out << "\r\n";
@@ -48,8 +48,9 @@ void writeListCsv(std::ostream& out, const OperationsList& list, const std::vect
 std::vector<int> allListColumns()
 {
     std::vector<int> columns;
-    columns.reserve(kListColumnCount);
-    for (int c = 0; c < kListColumnCount; ++c) {
+    const int count = listColumnCount(MainMoney::Levs); // the dual view's euro column is extra
+    columns.reserve(static_cast<std::size_t>(count));
+    for (int c = 0; c < count; ++c) {
         columns.push_back(c);
     }
     return columns;

@@ -131,7 +131,7 @@ ReportContext reportContext(const CFinoraDoc& doc, const OperationsList& list)
     return {std::string(kTypeChoices[type]),
             c.from,
             c.to,
-            cp1251::toUtf8(c.allCurrencies() ? allCurrenciesItem() : c.currency),
+            cp1251::toUtf8(c.allCurrencies() ? allCurrenciesItem(t.money.mode()) : c.currency),
             cp1251::toUtf8(t.incomeText()),
             cp1251::toUtf8(t.expenseText()),
             cp1251::toUtf8(t.balanceText()),
@@ -176,7 +176,9 @@ std::vector<ReportItem> layoutReportPage(const OperationsList& list, const Repor
     for (std::size_t c = 0; c < columnCount; ++c) {
         const ReportRect r{x[c], y, x[c + 1], y - h};
         b.cell(r, true);
-        b.text(r, kColumns[c].header, ReportFont::Table, ReportAlign::Centre);
+        const bool euroSums = kColumns[c].listColumn == kSumBglCol && list.totals().money.inEuro();
+        b.text(r, euroSums ? "сума EUR" : kColumns[c].header, ReportFont::Table,
+               ReportAlign::Centre);
     }
     y -= h;
 

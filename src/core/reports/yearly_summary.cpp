@@ -4,7 +4,7 @@
 
 namespace finora {
 
-bool computeYearlySummary(const CFinoraDoc& doc, int year, YearlySummary& summary)
+bool computeYearlySummary(const CFinoraDoc& doc, int year, YearlySummary& summary, MainMoney money)
 {
     if (doc.operationCount() == 0) {
         return false;
@@ -27,6 +27,16 @@ bool computeYearlySummary(const CFinoraDoc& doc, int year, YearlySummary& summar
     for (std::size_t m = 0; m < 12; ++m) {
         summary.yearIncome += summary.income[m];
         summary.yearExpense += summary.expense[m];
+    }
+    if (money == MainMoney::Euro) {
+        const MainMoneyView euro(money);
+        for (std::size_t m = 0; m < 12; ++m) {
+            summary.income[m] = euro.value(summary.income[m]);
+            summary.expense[m] = euro.value(summary.expense[m]);
+        }
+        summary.maximum = euro.value(summary.maximum);
+        summary.yearIncome = euro.value(summary.yearIncome);
+        summary.yearExpense = euro.value(summary.yearExpense);
     }
     return summary.maximum != 0.0;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/model/euro.h"
 #include "core/model/finora_doc.h"
 
 #include <array>
@@ -17,8 +18,10 @@ struct YearlySummary {
 };
 
 // Fills `summary` for `year` and returns whether the maximum is not zero. A ledger without
-// operations returns false at once and leaves `summary` as it was.
-bool computeYearlySummary(const CFinoraDoc& doc, int year, YearlySummary& summary);
+// operations returns false at once and leaves `summary` as it was. In euro mode every sum is the
+// lev sum converted once.
+bool computeYearlySummary(const CFinoraDoc& doc, int year, YearlySummary& summary,
+                          MainMoney money = MainMoney::Levs);
 
 // What the yearly chart draws: twelve groups of two whole numbers (income, expense), truncated
 // towards zero, and the y scale's maximum, truncated too.

@@ -27,7 +27,7 @@ struct IntSpec {
 };
 
 // In the order of IntSetting.
-constexpr std::array<IntSpec, 19> kIntSpecs = {{
+constexpr std::array<IntSpec, 20> kIntSpecs = {{
     {kSettings, "OpType", 2},
     {kSettings, "LastOpType", 0, INT_MIN, 1, 0},
     {kSettings, "AutoSave", 0},
@@ -47,6 +47,7 @@ constexpr std::array<IntSpec, 19> kIntSpecs = {{
     {kSettings, "SumBGLWidth", 175},
     {kTip, "StartUp", 0},
     {kTip, "FilePos", 0},
+    {kSettings, "EuroDisplay", 0, 0, 2, 0},
 }};
 
 struct TextSpec {

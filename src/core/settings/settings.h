@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/model/euro.h"
 #include "core/settings/settings_store.h"
 
 #include <array>
@@ -29,6 +30,8 @@ enum class IntSetting {
     SumBGLWidth,
     TipStartUp,
     TipFilePos,
+    // How figures kept in leva are shown: 0 in leva, 1 in euro, 2 both.
+    EuroDisplay,
 };
 
 // UpdateVersionFile: where the update check reads the latest version; empty for the product's
@@ -63,6 +66,7 @@ public:
     // Writes 1 when the option reads 0, else 0 (with the exclusion above).
     void toggle(IntSetting key);
     bool isOn(IntSetting key) const { return value(key) != 0; }
+    MainMoney mainMoney() const { return static_cast<MainMoney>(value(IntSetting::EuroDisplay)); }
 
     std::string text(TextSetting key) const;
     void setText(TextSetting key, std::string_view value);

@@ -8,10 +8,12 @@
 
 namespace finora {
 
-AmountFilterDialog::AmountFilterDialog(Prompter& prompter, QWidget* parent)
+AmountFilterDialog::AmountFilterDialog(Prompter& prompter, MainMoney money, QWidget* parent)
     : QDialog(parent), m_prompter(prompter), m_amount(new QLineEdit(this)),
       m_tolerance(new QLineEdit(QStringLiteral("0"), this)),
-      m_alsoBgl(new QCheckBox(tr("търси и в левовата равностойност"), this))
+      m_alsoBgl(new QCheckBox(money == MainMoney::Euro ? tr("търси и в равностойността в евро")
+                                                       : tr("търси и в левовата равностойност"),
+                              this))
 {
     setWindowTitle(tr("филтриране по сума"));
     m_amount->setObjectName(QStringLiteral("amount"));

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/editors/search_editor.h"
+#include "core/model/euro.h"
 
 #include <QDialog>
 
@@ -14,7 +15,8 @@ class AmountFilterDialog final : public QDialog {
     Q_OBJECT
 
 public:
-    AmountFilterDialog(Prompter& prompter, QWidget* parent = nullptr);
+    // In euro mode the main-currency value compared is the euro one, and the box says so.
+    AmountFilterDialog(Prompter& prompter, MainMoney money, QWidget* parent = nullptr);
     void accept() override;
     const AmountFilterRequest& request() const { return m_request; }
 

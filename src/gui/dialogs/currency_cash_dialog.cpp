@@ -19,9 +19,9 @@ namespace finora {
 namespace {
 
 // The cash list's column headers come from the core's report.
-QString cashHeader(std::size_t column)
+QString cashHeader(const Settings& settings, std::size_t column)
 {
-    return QString::fromUtf8(cashColumnHeaders().at(column));
+    return QString::fromUtf8(cashColumnHeaders(settings.mainMoney()).at(column));
 }
 
 } // namespace
@@ -71,14 +71,14 @@ void CurrencyNameDialog::accept()
 CurrencyCashDialog::CurrencyCashDialog(CFinoraDoc& doc, const Settings& settings,
                                        Prompter& prompter, QWidget* parent)
     : QDialog(parent), m_editor(doc, settings, prompter), m_prompter(prompter),
-      m_list(makeReportList(this, {{cashHeader(0), 0},
-                                   {cashHeader(1), 80},
-                                   {cashHeader(2), 100, Qt::AlignRight},
-                                   {cashHeader(3), 120, Qt::AlignRight},
-                                   {cashHeader(4), 70, Qt::AlignRight},
-                                   {cashHeader(5), 80, Qt::AlignRight},
-                                   {cashHeader(6), 80, Qt::AlignRight},
-                                   {cashHeader(7), 80, Qt::AlignRight}})),
+      m_list(makeReportList(this, {{cashHeader(settings, 0), 0},
+                                   {cashHeader(settings, 1), 80},
+                                   {cashHeader(settings, 2), 100, Qt::AlignRight},
+                                   {cashHeader(settings, 3), 120, Qt::AlignRight},
+                                   {cashHeader(settings, 4), 70, Qt::AlignRight},
+                                   {cashHeader(settings, 5), 80, Qt::AlignRight},
+                                   {cashHeader(settings, 6), 80, Qt::AlignRight},
+                                   {cashHeader(settings, 7), 80, Qt::AlignRight}})),
       m_change(new QPushButton(tr("&промяна"), this)),
       m_delete(new QPushButton(tr("&изтриване"), this))
 {

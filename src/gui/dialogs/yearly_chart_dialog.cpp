@@ -68,8 +68,8 @@ private:
 };
 
 YearlyChartDialog::YearlyChartDialog(const CFinoraDoc& doc, int year, Prompter& prompter,
-                                     QWidget* parent)
-    : QDialog(parent), m_doc(doc), m_prompter(prompter), m_year(year),
+                                     MainMoney money, QWidget* parent)
+    : QDialog(parent), m_doc(doc), m_prompter(prompter), m_money(money), m_year(year),
       m_chart(std::make_unique<Chart>()), m_frame(new Frame(this)),
       m_yearEdit(new QLineEdit(QString::number(year), this))
 {
@@ -79,7 +79,7 @@ YearlyChartDialog::YearlyChartDialog(const CFinoraDoc& doc, int year, Prompter& 
     m_yearEdit->setValidator(new QIntValidator(m_yearEdit));
     m_yearEdit->setMaximumWidth(
         m_yearEdit->fontMetrics().horizontalAdvance(QStringLiteral("0000000")) + 12);
-    computeYearlySummary(m_doc, m_year, m_summary);
+    computeYearlySummary(m_doc, m_year, m_summary, m_money);
 
     // The spin arrows step the year by one whatever it is; their own range is 2000 to 2020.
     auto* up = new QToolButton(this);
@@ -164,7 +164,7 @@ void YearlyChartDialog::stepYear(int step)
 void YearlyChartDialog::draw(DrawMode mode)
 {
     if (mode != DrawMode::Refresh) {
-        computeYearlySummary(m_doc, m_year, m_summary);
+        computeYearlySummary(m_doc, m_year, m_summary, m_money);
     }
     m_chart = makeYearlyChart(m_summary, m_year);
     m_frame->show(*m_chart);

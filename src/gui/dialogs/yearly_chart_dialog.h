@@ -21,7 +21,8 @@ class YearlyChartDialog final : public QDialog {
 public:
     enum class DrawMode { First = 0, YearChanged = 1, Refresh = 2 };
 
-    YearlyChartDialog(const CFinoraDoc& doc, int year, Prompter& prompter,
+    // `money`: the sums are drawn in leva or in euro.
+    YearlyChartDialog(const CFinoraDoc& doc, int year, Prompter& prompter, MainMoney money,
                       QWidget* parent = nullptr);
     ~YearlyChartDialog() override;
 
@@ -48,6 +49,7 @@ private:
 
     const CFinoraDoc& m_doc;
     Prompter& m_prompter;
+    MainMoney m_money;
     int m_year;
     YearlySummary m_summary;
     std::unique_ptr<Chart> m_chart;

@@ -211,12 +211,14 @@ void FilterPanel::fillCategoryTree()
 void FilterPanel::fillCurrencies()
 {
     m_currency->clear();
-    m_currency->addItem(qt(allCurrenciesItem()));
+    // The all-currencies item names the currency its sums are shown in; the criteria keep the
+    // one text filter files have always held.
+    const std::string& all = allCurrenciesItem(m_settings.mainMoney());
+    m_currency->addItem(qt(all));
     for (const std::string& name : currencyNames(m_doc, SiblingOrder::Name)) {
         m_currency->addItem(qt(name));
     }
-    const QString current =
-        qt(m_criteria.allCurrencies() ? allCurrenciesItem() : m_criteria.currency);
+    const QString current = qt(m_criteria.allCurrencies() ? all : m_criteria.currency);
     if (m_currency->findText(current) < 0) {
         m_currency->addItem(current); // a loaded filter may name a currency the ledger lacks
     }
@@ -266,7 +268,9 @@ void FilterPanel::takeValues()
     const QString currency = m_currency->currentText();
     // An empty choice means the main currency alone, not all of them.
     m_criteria.currency = currency.isEmpty() ? std::string(kMainCurrencyName)
-                                             : cp1251::fromUtf8OrThrow(currency.toStdString());
+                          : m_currency->currentIndex() == 0
+                              ? allCurrenciesItem()
+                              : cp1251::fromUtf8OrThrow(currency.toStdString());
 }
 
 void FilterPanel::changed()

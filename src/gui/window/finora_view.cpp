@@ -34,6 +34,8 @@ CFinoraView::CFinoraView(CFinoraDoc& doc, Settings& settings, Prompter& prompter
     m_table->verticalHeader()->hide();
     m_table->verticalHeader()->setDefaultSectionSize(m_table->fontMetrics().height() + 6);
     m_table->horizontalHeader()->setHighlightSections(false);
+    // In dual mode the euro column stands beside the lev one, as prices did in the shops.
+    m_table->horizontalHeader()->moveSection(kColAmountEuro, kColAmountBgl + 1);
     connect(m_table->selectionModel(), &QItemSelectionModel::selectionChanged, this,
             [this] { takeSelectionFromTable(); });
 
@@ -74,6 +76,8 @@ void CFinoraView::applyColumnVisibility()
             m_table->setColumnWidth(c, static_cast<int>(width * scale));
         }
     }
+    // The main-currency column names the currency the money mode shows.
+    Q_EMIT m_model.headerDataChanged(Qt::Horizontal, 0, kListColumnCount - 1);
 }
 
 void CFinoraView::refresh()

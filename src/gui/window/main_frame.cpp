@@ -1,5 +1,6 @@
 #include "gui/window/main_frame.h"
 
+#include "core/editors/main_money_option.h"
 #include "core/lock/lock_commands.h"
 #include "core/model/lock_guard.h"
 #include "core/model/number_text.h"
@@ -210,6 +211,16 @@ void CMainFrame::connectOptionCommands()
         m_settings.setValue(IntSetting::AskForFixingSuggestion,
                             m_settings.value(IntSetting::AskForFixingSuggestion) <= 0 ? 1 : 0);
     });
+    for (const auto& [command, money] : {std::pair{Command::MoneyLevs, MainMoney::Levs},
+                                         std::pair{Command::MoneyEuro, MainMoney::Euro},
+                                         std::pair{Command::MoneyBoth, MainMoney::Both}}) {
+        onCommand(command, [this, money] {
+            chooseMainMoney(m_doc, m_settings, m_prompter, money);
+            m_view->applyColumnVisibility();
+            m_view->filterPanel().showValues();
+            m_view->refresh();
+        });
+    }
     onCommand(Command::OpTypeIncome, setter(IntSetting::OpType, 0));
     onCommand(Command::OpTypeExpense, setter(IntSetting::OpType, 1));
     onCommand(Command::OpTypeLast, setter(IntSetting::OpType, 2));
@@ -283,7 +294,7 @@ void CMainFrame::search()
 
 void CMainFrame::filterByAmount()
 {
-    AmountFilterDialog dialog(m_prompter, this);
+    AmountFilterDialog dialog(m_prompter, m_settings.mainMoney(), this);
     if (dialog.exec() == QDialog::Accepted) {
         const AmountFilterRequest r = dialog.request();
         m_view->changeRows([&] {
@@ -357,7 +368,7 @@ void CMainFrame::showYearlyChart()
     }
     DateTimeParts today;
     m_doc.clock().now().toParts(today);
-    YearlyChartDialog dialog(m_doc, today.year, m_prompter, this);
+    YearlyChartDialog dialog(m_doc, today.year, m_prompter, m_settings.mainMoney(), this);
     dialog.exec();
 }
 

@@ -20,7 +20,7 @@ using Command = CMainFrame::Command;
 
 enum class Menu { File, Edit, Ledger, Settings, Help, Count };
 // The settings' choices of one option each, in a submenu of their own.
-enum class Submenu { None, OpType, DoubleClick, Count };
+enum class Submenu { None, Money, OpType, DoubleClick, Count };
 
 constexpr std::array<const char*, static_cast<std::size_t>(Menu::Count)> kMenuTitles = {
     QT_TRANSLATE_NOOP("finora::CMainFrame", "&Файл"),
@@ -37,6 +37,7 @@ struct SubmenuInfo {
 
 constexpr std::array<SubmenuInfo, static_cast<std::size_t>(Submenu::Count)> kSubmenus = {{
     {nullptr, nullptr},
+    {QT_TRANSLATE_NOOP("finora::CMainFrame", "Суми в основната валута"), "menuMoney"},
     {QT_TRANSLATE_NOOP("finora::CMainFrame", "Тип на новата операция"), "menuOpType"},
     {QT_TRANSLATE_NOOP("finora::CMainFrame", "При двойно кликване на категория ..."),
      "menuDoubleClick"},
@@ -256,6 +257,15 @@ constexpr std::array<CommandInfo, CMainFrame::kCommandCount> kCommands = {
         Command::AskForRate, "actionAskForRate", Menu::Settings,
         QT_TRANSLATE_NOOP("finora::CMainFrame", "Питай ме за потвърждение при всяка нова операция"),
         nullptr, {}, {.checkable = true}),
+    command(Command::MoneyLevs, "actionMoneyLevs", Menu::Settings,
+            QT_TRANSLATE_NOOP("finora::CMainFrame", "в &лева (BGL)"), nullptr, {},
+            {.separatorBefore = true, .submenu = Submenu::Money, .checkable = true}),
+    command(Command::MoneyEuro, "actionMoneyEuro", Menu::Settings,
+            QT_TRANSLATE_NOOP("finora::CMainFrame", "в &евро (EUR), по 1.95583 лв за 1 евро"),
+            nullptr, {}, {.submenu = Submenu::Money, .checkable = true}),
+    command(Command::MoneyBoth, "actionMoneyBoth", Menu::Settings,
+            QT_TRANSLATE_NOOP("finora::CMainFrame", "в лева и в евро &едновременно"), nullptr, {},
+            {.submenu = Submenu::Money, .checkable = true}),
     command(Command::OpTypeIncome, "actionOpTypeIncome", Menu::Settings,
             QT_TRANSLATE_NOOP("finora::CMainFrame", "Прихо&д"), nullptr, {},
             {.separatorBefore = true, .submenu = Submenu::OpType, .checkable = true}),
@@ -519,6 +529,10 @@ void CMainFrame::updateCommands()
     check(Command::SuggestLast, mode == 1);
     check(Command::SuggestAverage, mode == 2);
     check(Command::AskForRate, m_settings.value(IntSetting::AskForFixingSuggestion) == 1);
+    const MainMoney money = m_settings.mainMoney();
+    check(Command::MoneyLevs, money == MainMoney::Levs);
+    check(Command::MoneyEuro, money == MainMoney::Euro);
+    check(Command::MoneyBoth, money == MainMoney::Both);
     const int opType = m_settings.value(IntSetting::OpType);
     check(Command::OpTypeIncome, opType == 0);
     check(Command::OpTypeExpense, opType == 1);

@@ -49,7 +49,7 @@ QVariant OperationsTableModel::headerData(int section, Qt::Orientation orientati
         section >= kListColumnCount) {
         return {};
     }
-    return QString::fromUtf8(listColumns()[static_cast<std::size_t>(section)].header);
+    return QString::fromUtf8(listColumnHeader(section, m_list.totals().money.mode()));
 }
 
 } // namespace finora
