@@ -41,6 +41,14 @@ constexpr Command kCommands[] = {
     {"unlock", 1, cmdUnlock, "unlock FILE --password P           премахва защитата"},
     {"save-filter", 1, cmdSaveFilter, "save-filter OUT.ffl [филтър]       записва филтър"},
     {"show-filter", 1, cmdShowFilter, "show-filter IN.ffl --json          показва филтър"},
+    {"rules", 1, cmdRules, "rules FILE [--json]                правилата за категории"},
+    {"rule-add", 1, cmdRuleAdd,
+     "rule-add FILE --contains|--starts-with|--equals TEXT --category ID [--type 1|2] [--min A] "
+     "[--max A]   ново правило"},
+    {"rule-del", 2, cmdRuleDel, "rule-del FILE N                    изтрива правило N"},
+    {"suggest", 1, cmdSuggest,
+     "suggest FILE --descr TEXT [--notes TEXT] [--type 1|2] [--amount A] [--json]   предложена "
+     "категория"},
     {"add", 1, cmdAdd,
      "add FILE --date Д-М-ГГГГ --type 1|2 --descr ТЕКСТ --category ID --amount A --currency "
      "КОД [--rate R] [--notes ТЕКСТ] [--paid 0|1]   добавя една операция"},

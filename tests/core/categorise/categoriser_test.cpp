@@ -1,6 +1,7 @@
 #include "core/categorise/category_rules.h"
 #include "core/categorise/learned_categories.h"
 #include "core/categorise/text_words.h"
+#include "core/companion/companion_file.h"
 #include "core/demo/bank_texts.h"
 #include "core/demo/ledger_generator.h"
 #include "core/model/finora_doc.h"
@@ -239,6 +240,48 @@ TEST_F(Fixture, OnAGeneratedLedgerGuessesAreRarelyWrong)
     std::cout << "[ figures  ] generated ledger: guessed " << guessed << " of 500, wrong " << wrong
               << "\n";
     EXPECT_LE(wrong * 20, guessed); // at most 5% of the guesses
+}
+
+} // namespace
+} // namespace finora
+
+namespace finora {
+namespace {
+
+TEST_F(Fixture, RulesChangeInOneStepOfTheHistoryAndSurviveTheCompanionFile)
+{
+    categories(2);
+    doc.setHistoryLimit(10);
+    const std::vector<CategoryRule> rules = {
+        {CategoryRule::Match::Equals, cp("Заплата"), kIncome, 100.0, std::nullopt, 1},
+        {CategoryRule::Match::StartsWith, "POS", 0, std::nullopt, 20.5, 2},
+    };
+    doc.setModified(false);
+    doc.setRules(rules, "правила");
+    EXPECT_TRUE(doc.isModified());
+    EXPECT_EQ(doc.history().undoLabel(), "правила");
+    ASSERT_TRUE(doc.undo());
+    EXPECT_TRUE(doc.companion().rules.empty());
+    ASSERT_TRUE(doc.redo());
+    EXPECT_EQ(doc.companion().rules, rules);
+
+    Companion read;
+    ASSERT_EQ(readCompanion(serializeCompanion(doc.companion()), read).status,
+              CompanionReadResult::Status::Ok);
+    EXPECT_EQ(read.rules, rules);
+
+    const char* damaged[] = {
+        R"({"finora_companion":1,"rules":[{"match":"like","text":"a","category":1}]})",
+        R"({"finora_companion":1,"rules":[{"match":"contains","text":"a","category":1,"type":7}]})",
+        R"({"finora_companion":1,"rules":[{"match":"contains","text":"a","category":1,"min":-1}]})",
+        R"({"finora_companion":1,"rules":[{"match":"contains","text":"日本","category":1}]})",
+    };
+    for (const char* text : damaged) {
+        SCOPED_TRACE(text);
+        const auto result = readCompanion(text, read);
+        EXPECT_EQ(result.status, CompanionReadResult::Status::Damaged);
+        EXPECT_EQ(result.where, "rules[0]");
+    }
 }
 
 } // namespace

@@ -21,10 +21,10 @@ Companion sampleCompanion()
 TEST(CompanionFile, WhatIsWrittenReadsBackTheSameAndKeepsSectionsOfALaterProgram)
 {
     Companion read;
-    const std::string withRules = R"({"finora_companion": 1, "rules": [{"contains": "Лидл",
-        "category": 7}], "imported": []})";
-    ASSERT_EQ(readCompanion(withRules, read).status, CompanionReadResult::Status::Ok);
-    ASSERT_EQ(read.otherSections.count("rules"), 1u);
+    const std::string withBudgets = R"({"finora_companion": 1, "budgets": [{"category": 7,
+        "month": "Лидл"}], "imported": []})";
+    ASSERT_EQ(readCompanion(withBudgets, read).status, CompanionReadResult::Status::Ok);
+    ASSERT_EQ(read.otherSections.count("budgets"), 1u);
 
     Companion c = sampleCompanion();
     c.otherSections = read.otherSections;
