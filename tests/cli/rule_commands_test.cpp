@@ -66,7 +66,7 @@ TEST_F(RuleCommands, AWrongRuleIsRefusedAndNothingWritten)
     };
     const std::string before = read(ledger);
     for (const auto& args : wrong) {
-        SCOPED_TRACE(args[0] + " " + args[2]);
+        SCOPED_TRACE(args.back());
         const auto r = run(args);
         EXPECT_EQ(r.status, 1);
         EXPECT_FALSE(r.err.empty());
