@@ -49,6 +49,11 @@ constexpr KnownOption kOptions[] = {
     {"--png", true},
     {"--width", true},
     {"--height", true},
+    {"--format", true},
+    {"--profile", true},
+    {"--rate", true},
+    {"--date-order", true},
+    {"--dry-run", false},
 };
 
 } // namespace

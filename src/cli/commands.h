@@ -28,5 +28,7 @@ int cmdImport(Session& s, std::ostream& out);
 int cmdLock(Session& s, std::ostream& out);
 int cmdUnlock(Session& s, std::ostream& out);
 int cmdSaveFilter(Session& s, std::ostream& out);
+// Adds a bank statement's entries, each once.
+int cmdImportStatement(Session& s, std::ostream& out);
 
 } // namespace finora::cli
