@@ -59,6 +59,10 @@ constexpr KnownOption kOptions[] = {
     {"--descr", true},
     {"--rate", true},
     {"--notes", true},
+    {"--format", true},
+    {"--profile", true},
+    {"--date-order", true},
+    {"--dry-run", false},
 };
 
 } // namespace

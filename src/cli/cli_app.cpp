@@ -37,6 +37,10 @@ constexpr Command kCommands[] = {
     {"chart", 2, cmdChart,
      "chart FILE YEAR --png OUT [--width W --height H]   диаграмата на годината като PNG"},
     {"import", 2, cmdImport, "import FILE OTHER [-o OUT] [--json]   добавя операциите на OTHER"},
+    {"import-statement", 2, cmdImportStatement,
+     "import-statement FILE STATEMENT [--format auto|csv|camt053|ofx|qif|mt940] [--profile "
+     "LAYOUT.json] [--currency CODE] [--rate CODE=R]... [--category ID] [--date-order "
+     "dmy|mdy|ymd] [--dry-run] [--json]   добавя банково извлечение"},
     {"lock", 1, cmdLock, "lock FILE --new-password P        защитава документа с парола"},
     {"unlock", 1, cmdUnlock, "unlock FILE --password P           премахва защитата"},
     {"save-filter", 1, cmdSaveFilter, "save-filter OUT.ffl [филтър]       записва филтър"},

@@ -29,14 +29,6 @@ constexpr double kSlowBuild = 1.0;
 constexpr double kSlowBuild = 8.0; // debug and address-sanitizer builds
 #endif
 
-std::size_t operationsIn(const std::string& bytes)
-{
-    Ledger l;
-    ByteReader reader(bytes);
-    EXPECT_EQ(readLedger(reader, l, [](double) { return true; }).status, ReadStatus::Ok);
-    return l.operations.size();
-}
-
 template <class F> double secondsOf(F&& f)
 {
     const auto start = std::chrono::steady_clock::now();
@@ -53,13 +45,18 @@ TEST_F(CliTest, ALedgerOpenInTheDesktopProgramIsNotWrittenWithoutForce)
     ASSERT_EQ(run({"generate", file, "--operations", "200", "--seed", "1"}).status, 0);
     ASSERT_EQ(run({"generate", other, "--operations", "50", "--seed", "2"}).status, 0);
     const std::string before = read(file);
+    write(path("извлечение.csv"), "Дата;Сума;Описание\n03.11.2026;-12,50;Лидл\n");
 
     LedgerLock desktop;
     ASSERT_EQ(desktop.acquire(file, kDesktopProgram, DateTime::fromParts(2026, 11, 23, 10, 15)),
               LedgerLock::Result::Acquired);
     const std::vector<std::vector<std::string>> writers = {
-        {"import", file, other}, {"lock", file, "--new-password", "таен"}, {"unlock", file},
-        {"convert", file},       {"import", other, other, "-o", file},
+        {"import", file, other},
+        {"lock", file, "--new-password", "таен"},
+        {"unlock", file},
+        {"convert", file},
+        {"import", other, other, "-o", file},
+        {"import-statement", file, path("извлечение.csv")},
     };
     for (const auto& command : writers) {
         const CliResult r = run(command);

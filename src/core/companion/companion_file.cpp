@@ -223,6 +223,9 @@ CompanionReadResult readCompanion(std::string_view bytes, Companion& out)
     } catch (const Json::parse_error& e) {
         result.where = "байт " + std::to_string(e.byte);
         return result;
+    } catch (const Json::exception&) {
+        result.where = "число извън допустимото"; // a number too large for any type
+        return result;
     }
     std::int32_t version = 0;
     if (!root.is_object() || !integerField(root, kVersionKey, version) || version < 1) {

@@ -4,6 +4,7 @@
 #include "core/model/euro.h"
 #include "core/model/number_text.h"
 #include "core/reports/currency_cash.h"
+#include "core/statements/statement_text.h"
 #include "core/text/case_fold.h"
 #include "core/text/cp1251.h"
 
@@ -16,28 +17,13 @@
 namespace finora {
 namespace {
 
+using statement_text::collapseBlanks;
+using statement_text::trim;
+
 // Larger than any amount a household or a small business books; keeps every sum in range.
 constexpr std::int64_t kMaxCents = 100'000'000'000'000;
 // How much of the payment's text a description takes when there is no counterparty.
 constexpr std::size_t kDescriptionCharacters = 60;
-
-std::string collapseSpaces(std::string_view text)
-{
-    std::string out;
-    bool space = false;
-    for (const char c : text) {
-        if (c == ' ' || c == '\t' || c == '\n' || c == '\r') {
-            space = !out.empty();
-            continue;
-        }
-        if (space) {
-            out += ' ';
-            space = false;
-        }
-        out += c;
-    }
-    return out;
-}
 
 // The start of a text, cut after a whole word where one ends in the second half.
 std::string startOf(const std::string& text, std::size_t characters)
@@ -50,18 +36,9 @@ std::string startOf(const std::string& text, std::size_t characters)
                        space != std::string::npos && space > characters / 2 ? space : characters);
 }
 
-std::string trim(std::string_view text)
-{
-    const auto first = text.find_first_not_of(" \t\r\n");
-    if (first == std::string_view::npos) {
-        return {};
-    }
-    return std::string(text.substr(first, text.find_last_not_of(" \t\r\n") - first + 1));
-}
-
 std::string upperAscii(std::string_view text)
 {
-    std::string out = trim(text);
+    std::string out(trim(text));
     for (char& c : out) {
         if (c >= 'a' && c <= 'z') {
             c = static_cast<char>(c - 'a' + 'A');
@@ -100,12 +77,12 @@ std::string hex(std::uint64_t value)
 
 // A reference is kept readable in the key when it is plain printable ASCII; anything else is
 // kept as its digest, so the companion's JSON holds only well-formed text.
-std::string keyPart(const std::string& text)
+std::string keyPart(std::string_view text)
 {
     const bool plain = std::all_of(text.begin(), text.end(), [](char c) {
         return c > ' ' && c < 0x7F && c != '/' && c != '#';
     });
-    return plain ? text : "~" + hex(fnv1a(text));
+    return plain ? std::string(text) : "~" + hex(fnv1a(text));
 }
 
 bool hasReference(const StatementEntry& e)
@@ -208,9 +185,9 @@ std::string fillTexts(ImportLine& line, const StatementEntry& e)
     addNote(line, remittance);
     addNote(line, more);
     addNote(line, reference);
-    line.description = collapseSpaces(counterparty.bytes);
+    line.description = collapseBlanks(counterparty.bytes);
     if (line.description.empty()) {
-        line.description = startOf(collapseSpaces(remittance.bytes), kDescriptionCharacters);
+        line.description = startOf(collapseBlanks(remittance.bytes), kDescriptionCharacters);
     }
     if (line.description.empty()) {
         line.description = cp1251::fromUtf8OrThrow("без описание");
@@ -223,8 +200,8 @@ std::string fillTexts(ImportLine& line, const StatementEntry& e)
         line.notes += (line.notes.empty() ? "" : "\n") + cp1251::fromUtf8OrThrow("Референция: ") +
                       reference.bytes;
     }
-    return foldCase(collapseSpaces(counterparty.bytes)) + "\x1f" +
-           foldCase(collapseSpaces(remittance.bytes));
+    return foldCase(collapseBlanks(counterparty.bytes)) + "\x1f" +
+           foldCase(collapseBlanks(remittance.bytes));
 }
 
 } // namespace

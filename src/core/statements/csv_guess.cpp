@@ -352,10 +352,16 @@ CsvLayout guessCsvLayout(std::string_view bytes, const CsvLayout& given)
     CsvLayout layout = given;
     bytes = st::withoutBom(bytes);
     constexpr std::size_t kSampleBytes = 256 * 1024;
-    if (!layout.encoding) {
-        layout.encoding = st::guessEncoding(bytes.substr(0, kSampleBytes));
+    // The sample ends with a whole line, so a character cut in two does not make a UTF-8 file
+    // look like another encoding.
+    std::string_view sample = bytes.substr(0, kSampleBytes);
+    if (sample.size() < bytes.size() && sample.rfind('\n') != std::string_view::npos) {
+        sample = sample.substr(0, sample.rfind('\n') + 1);
     }
-    const std::string text = st::toUtf8(bytes.substr(0, kSampleBytes), *layout.encoding);
+    if (!layout.encoding) {
+        layout.encoding = st::guessEncoding(sample);
+    }
+    const std::string text = st::toUtf8(sample, *layout.encoding);
     layout.quote = layout.quote.value_or('"');
     if (!layout.separator) {
         layout.separator = guessSeparator(text, *layout.quote);

@@ -50,6 +50,8 @@ TEST(CompanionFile, ATextThatIsNotACompanionOfThisVersionIsRefusedWhole)
         {"version as text", R"({"finora_companion": "1"})", Status::Damaged},
         {"a later version", R"({"finora_companion": 2, "imported": 5})", Status::Newer},
         {"nested without end", std::string(100000, '['), Status::Damaged},
+        {"a number past any type",
+         R"({"finora_companion": 1, "x": 2)" + std::string(400, '0') + "}", Status::Damaged},
         {"imported not a list", R"({"finora_companion": 1, "imported": {}})", Status::Damaged},
         {"no key", R"({"finora_companion": 1, "imported": [{"operation": 4}]})", Status::Damaged},
         {"a month 13",
