@@ -218,9 +218,7 @@ int cmdSuggest(Session& s, std::ostream& out)
     const LearnedCategories learned(s.doc());
     const CategorySuggestion suggestion = suggestCategory(
         s.doc().ledger(), s.doc().companion().rules, &learned, {text, notes, type, amount}, 0);
-    const char* source = suggestion.source == SuggestionSource::Rule      ? "rule"
-                         : suggestion.source == SuggestionSource::Learned ? "learned"
-                                                                          : "none";
+    const char* source = suggestionSourceName(suggestion.source);
     if (!s.args().has("--json")) {
         out << (suggestion.categoryId ? categoryPath(s.doc(), suggestion.categoryId) : "-") << '\t'
             << source << '\n';

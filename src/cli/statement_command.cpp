@@ -1,6 +1,8 @@
 #include "cli/commands.h"
 #include "cli/json_writer.h"
 #include "cli/output.h"
+#include "core/categorise/learned_categories.h"
+#include "core/importing/import_categories.h"
 #include "core/importing/statement_import.h"
 #include "core/statements/statement_reader.h"
 #include "core/storage/file_io.h"
@@ -141,6 +143,8 @@ void writeOutcome(std::ostream& out, std::string_view format, const ImportPlan& 
         w.key("type").value(line.type);
         w.key("amount").value(static_cast<double>(line.amountCents) / 100.0);
         w.key("currency").value(utf8(line.currency)).key("rate").value(line.rate);
+        w.key("category").value(line.category).key("category_source");
+        w.value(suggestionSourceName(line.categorySource));
         w.key("state").value(stateName(line.state)).key("reason").value(line.reason);
         w.key("note").value(line.note).endObject();
     }
@@ -174,7 +178,11 @@ int cmdImportStatement(Session& s, std::ostream& out)
                                   "“ могат да се четат по повече от един начин; посочете "
                                   "--date-order dmy, mdy или ymd."};
     }
-    const ImportPlan plan = planStatementImport(s.doc(), s.settings(), statement.entries, options);
+    ImportPlan plan = planStatementImport(s.doc(), s.settings(), statement.entries, options);
+    if (options.category == 0) {
+        const LearnedCategories learned(s.doc());
+        categoriseImportPlan(s.doc(), &learned, plan);
+    }
     if (!plan.missingRates.empty()) {
         const std::string& code = plan.missingRates.front();
         throw Failure{kUsage, "няма курс за валутата " + code + "; задайте го с --rate " + code +

@@ -77,3 +77,28 @@ TEST_F(RuleCommands, AWrongRuleIsRefusedAndNothingWritten)
 
 } // namespace
 } // namespace finora::test
+
+namespace finora::test {
+namespace {
+
+TEST_F(RuleCommands, AStatementsLinesAreFiledByRuleThenByLearningThenTheImportsOwnCategory)
+{
+    write(path("s.csv"), "Дата;Получател;Основание;Сума;Валута\n"
+                         "03.11.2026;LIDL;POS LIDL PLOVDIV;-12,50;BGN\n"
+                         "04.11.2026;OMV;POS OMV RUSE;-60,00;BGN\n"
+                         "05.11.2026;OZONE;ORDER 77;-20,00;BGN\n");
+    ASSERT_EQ(run({"rule-add", ledger, "--contains", "omv", "--category", "3"}).status, 0);
+    const auto r = run({"import-statement", ledger, path("s.csv"), "--json"});
+    ASSERT_EQ(r.status, 0) << r.err;
+    const std::string filed[] = {R"("category":2,"category_source":"learned")",
+                                 R"("category":3,"category_source":"rule")",
+                                 R"("category":0,"category_source":"none")"};
+    std::size_t at = 0;
+    for (const std::string& line : filed) {
+        at = r.out.find(line, at);
+        EXPECT_NE(at, std::string::npos) << line << " in " << r.out;
+    }
+}
+
+} // namespace
+} // namespace finora::test

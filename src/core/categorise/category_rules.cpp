@@ -33,6 +33,19 @@ bool textMatches(CategoryRule::Match match, const std::string& folded, std::stri
 
 } // namespace
 
+const char* suggestionSourceName(SuggestionSource source)
+{
+    switch (source) {
+    case SuggestionSource::Rule:
+        return "rule";
+    case SuggestionSource::Learned:
+        return "learned";
+    case SuggestionSource::None:
+        break;
+    }
+    return "none";
+}
+
 bool ruleIsActive(const CategoryRule& rule, const Ledger& ledger)
 {
     return ledger.categories.find(rule.categoryId) != nullptr;

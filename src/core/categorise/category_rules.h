@@ -25,6 +25,8 @@ bool ruleIsActive(const CategoryRule& rule, const Ledger& ledger);
 bool ruleMatches(const CategoryRule& rule, const CategorisedLine& line);
 
 enum class SuggestionSource { Rule, Learned, None };
+// "rule", "learned", "none": the names the command line prints.
+const char* suggestionSourceName(SuggestionSource source);
 
 struct CategorySuggestion {
     std::int32_t categoryId = 0; // the fallback when the source is None

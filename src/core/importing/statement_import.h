@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/categorise/category_rules.h"
 #include "core/model/finora_doc.h"
 #include "core/settings/settings.h"
 #include "core/statements/statement_entry.h"
@@ -41,6 +42,8 @@ struct ImportLine {
     std::string description;
     std::string notes;
     std::int32_t category = 0; // 0: the import's own category
+    // Where the category came from when the import filed the line itself.
+    SuggestionSource categorySource = SuggestionSource::None;
 };
 
 struct ImportPlan {
