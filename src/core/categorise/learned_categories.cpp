@@ -123,19 +123,20 @@ std::optional<std::int32_t> LearnedCategories::suggest(std::string_view descript
             }
         }
         double entropy = 0.0;
-        for (const auto& [category, n] : counts) {
-            const double p = n / total;
+        for (const auto& count : counts) {
+            const double p = count.second / total;
             entropy -= p * std::log(p);
         }
         const double weight = std::max(0.0, 1.0 - entropy / most) * total / (total + 1.0);
-        for (const auto& [category, n] : counts) {
+        for (const auto& count : counts) {
+            const std::int32_t category = count.first;
             auto vote = std::find_if(votes.begin(), votes.end(),
                                      [&](const auto& v) { return v.first == category; });
             if (vote == votes.end()) {
                 votes.emplace_back(category, 0.0);
                 vote = votes.end() - 1;
             }
-            vote->second += weight * n / total;
+            vote->second += weight * count.second / total;
         }
     }
     std::sort(votes.begin(), votes.end(),
