@@ -4,6 +4,8 @@
 # A folder's rank: a file may include its own folder and folders of a lower rank only, so the
 # folders never form a cycle. The core is standard C++: no Qt header at all.
 set(rank_core/text 0)
+# What a ledger keeps beside its file: plain data, below the document that holds it.
+set(rank_core/companion 0.5)
 set(rank_core/model 1)
 set(rank_core/settings 2)
 set(rank_core/demo 2)
@@ -12,11 +14,11 @@ set(rank_core/statements 2)
 set(rank_core/query 3)
 set(rank_core/tips 3)
 set(rank_core/categorise 3)
-set(rank_core/companion 3)
 set(rank_core/reports 4)
 set(rank_core/storage 4)
 set(rank_core/statements 4)
 set(rank_core/editors 5)
+set(rank_core/importing 6)
 set(rank_settings_qt 10)
 set(rank_render 10)
 set(rank_cli 20)

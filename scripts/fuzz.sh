@@ -8,7 +8,9 @@ seconds=${1:-60}
 shift || true
 targets=("$@")
 if ((${#targets[@]} == 0)); then
-  targets=(fuzz_ledger_reader fuzz_streaming_reader fuzz_filter_file fuzz_import fuzz_tips fuzz_lock_file)
+  targets=(fuzz_ledger_reader fuzz_streaming_reader fuzz_filter_file fuzz_import fuzz_tips fuzz_lock_file
+    fuzz_csv_layout fuzz_statement_csv fuzz_statement_camt053 fuzz_statement_ofx fuzz_statement_qif
+    fuzz_statement_mt940 fuzz_companion)
 fi
 
 if ! command -v clang++ >/dev/null; then
@@ -28,13 +30,15 @@ mkdir -p "$seeds"
 "$cli" save-filter "$seeds/filter.ffl" --category 3 --category 7 --subcategories --paid 2 >/dev/null 2>&1 || true
 printf 'Finora lock 1\nprogram=finora\nuser=иван\nhost=лаптоп\npid=4242\nstart=987\nsince=23-11-2026 10:15\ntoken=0123456789abcdef\n' \
   >"$seeds/lock.txt"
+printf '{\n  "finora_companion": 1,\n  "imported": [\n    {"key": "ref:BG80/FT1/20261103/-1250#1", "operation": 12, "date": "2026-11-03", "amount_cents": 1250, "type": 2}\n  ],\n  "rules": [{"contains": "\\u041b\\u0438\\u0434\\u043b", "category": 7}]\n}\n' \
+  >"$seeds/companion.json"
 rm -f "$seeds"/*.bak
 
 for target in "${targets[@]}"; do
   corpus=build/fuzz/corpus/$target
   mkdir -p "$corpus" build/fuzz/artifacts
   echo "fuzz: $target for ${seconds}s"
-  "build/fuzz/fuzz/$target" "$corpus" "$seeds" -max_total_time="$seconds" -rss_limit_mb=2048 \
+  "build/fuzz/fuzz/$target" "$corpus" "$seeds" fuzz/seeds/statements -max_total_time="$seconds" -rss_limit_mb=2048 \
     -artifact_prefix=build/fuzz/artifacts/ \
     -max_len=65536 -timeout=10 -print_final_stats=1 2>&1 | tail -n 12
 done

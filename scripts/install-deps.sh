@@ -6,7 +6,8 @@ set -euo pipefail
 packages=(
   cmake ninja-build g++ pkg-config
   qt6-base-dev qt6-base-dev-tools libqt6opengl6-dev libgl-dev qt6-translations-l10n
-  libgtest-dev libgmock-dev libbenchmark-dev
+  libgtest-dev libgmock-dev libbenchmark-dev nlohmann-json3-dev
+  libxml2-dev
   fonts-dejavu-core fonts-liberation2
   xvfb xauth xdotool poppler-utils
   desktop-file-utils appstream shared-mime-info xdg-utils dpkg-dev man-db

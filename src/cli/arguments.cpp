@@ -49,11 +49,20 @@ constexpr KnownOption kOptions[] = {
     {"--png", true},
     {"--width", true},
     {"--height", true},
+    {"--contains", true},
+    {"--starts-with", true},
+    {"--equals", true},
+    {"--min", true},
+    {"--max", true},
     {"--eur", false},
     {"--date", true},
     {"--descr", true},
     {"--rate", true},
     {"--notes", true},
+    {"--format", true},
+    {"--profile", true},
+    {"--date-order", true},
+    {"--dry-run", false},
 };
 
 } // namespace

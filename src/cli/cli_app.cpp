@@ -38,10 +38,22 @@ constexpr Command kCommands[] = {
     {"chart", 2, cmdChart,
      "chart FILE YEAR --png OUT [--width W --height H]   диаграмата на годината като PNG"},
     {"import", 2, cmdImport, "import FILE OTHER [-o OUT] [--json]   добавя операциите на OTHER"},
+    {"import-statement", 2, cmdImportStatement,
+     "import-statement FILE STATEMENT [--format auto|csv|camt053|ofx|qif|mt940] [--profile "
+     "LAYOUT.json] [--currency CODE] [--rate CODE=R]... [--category ID] [--date-order "
+     "dmy|mdy|ymd] [--dry-run] [--json]   добавя банково извлечение"},
     {"lock", 1, cmdLock, "lock FILE --new-password P        защитава документа с парола"},
     {"unlock", 1, cmdUnlock, "unlock FILE --password P           премахва защитата"},
     {"save-filter", 1, cmdSaveFilter, "save-filter OUT.ffl [филтър]       записва филтър"},
     {"show-filter", 1, cmdShowFilter, "show-filter IN.ffl --json          показва филтър"},
+    {"rules", 1, cmdRules, "rules FILE [--json]                правилата за категории"},
+    {"rule-add", 1, cmdRuleAdd,
+     "rule-add FILE --contains|--starts-with|--equals TEXT --category ID [--type 1|2] [--min A] "
+     "[--max A]   ново правило"},
+    {"rule-del", 2, cmdRuleDel, "rule-del FILE N                    изтрива правило N"},
+    {"suggest", 1, cmdSuggest,
+     "suggest FILE --descr TEXT [--notes TEXT] [--type 1|2] [--amount A] [--json]   предложена "
+     "категория"},
     {"add", 1, cmdAdd,
      "add FILE --date Д-М-ГГГГ --type 1|2 --descr ТЕКСТ --category ID --amount A --currency "
      "КОД [--rate R] [--notes ТЕКСТ] [--paid 0|1]   добавя една операция"},

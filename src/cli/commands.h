@@ -28,6 +28,14 @@ int cmdImport(Session& s, std::ostream& out);
 int cmdLock(Session& s, std::ostream& out);
 int cmdUnlock(Session& s, std::ostream& out);
 int cmdSaveFilter(Session& s, std::ostream& out);
+// Adds a bank statement's entries, each once.
+int cmdImportStatement(Session& s, std::ostream& out);
+
+// The ledger's categorisation rules, and the category they and its filing suggest.
+int cmdRules(Session& s, std::ostream& out);
+int cmdRuleAdd(Session& s, std::ostream& out);
+int cmdRuleDel(Session& s, std::ostream& out);
+int cmdSuggest(Session& s, std::ostream& out);
 // One operation through the operation editor's own rules.
 int cmdAdd(Session& s, std::ostream& out);
 

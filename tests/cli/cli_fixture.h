@@ -3,7 +3,9 @@
 // Runs finora-cli in process, in a folder of its own, with in-memory user options.
 #include "cli/cli_app.h"
 #include "core/settings/memory_settings_store.h"
+#include "core/storage/byte_reader.h"
 #include "core/storage/file_io.h"
+#include "core/storage/ledger_format.h"
 
 #include <filesystem>
 #include <fstream>
@@ -15,6 +17,15 @@
 #endif
 
 namespace finora::test {
+
+// How many operations a ledger file holds; a file that cannot be read fails the test.
+inline std::size_t operationsIn(const std::string& bytes)
+{
+    Ledger l;
+    ByteReader reader(bytes);
+    EXPECT_EQ(readLedger(reader, l, [](double) { return true; }).status, ReadStatus::Ok);
+    return l.operations.size();
+}
 
 struct CliResult {
     int status;

@@ -39,13 +39,18 @@ TEST_F(CliTest, ALedgerOpenInTheDesktopProgramIsNotWrittenWithoutForce)
     ASSERT_EQ(run({"generate", file, "--operations", "200", "--seed", "1"}).status, 0);
     ASSERT_EQ(run({"generate", other, "--operations", "50", "--seed", "2"}).status, 0);
     const std::string before = read(file);
+    write(path("извлечение.csv"), "Дата;Сума;Описание\n03.11.2026;-12,50;Лидл\n");
 
     LedgerLock desktop;
     ASSERT_EQ(desktop.acquire(file, kDesktopProgram, DateTime::fromParts(2026, 11, 23, 10, 15)),
               LedgerLock::Result::Acquired);
     const std::vector<std::vector<std::string>> writers = {
-        {"import", file, other}, {"lock", file, "--new-password", "таен"}, {"unlock", file},
-        {"convert", file},       {"import", other, other, "-o", file},
+        {"import", file, other},
+        {"lock", file, "--new-password", "таен"},
+        {"unlock", file},
+        {"convert", file},
+        {"import", other, other, "-o", file},
+        {"import-statement", file, path("извлечение.csv")},
     };
     for (const auto& command : writers) {
         const CliResult r = run(command);

@@ -246,6 +246,9 @@ bool CFinoraDoc::addOperation(const Operation& f)
         m_step.operations.added(id, key);
     }
     ++m_recordsRevision;
+    if (!m_observers.empty()) {
+        notify(nullptr, m_ledger.operations.findByKey(id, key));
+    }
     changed();
     return true;
 }
@@ -261,8 +264,12 @@ bool CFinoraDoc::changeOperation(const Operation& f)
     if (recording()) {
         m_step.operations.modified(op->id(), m_ledger.operations.keyOf(*op), *op);
     }
+    const Operation before = m_observers.empty() ? Operation() : *op;
     op->set(f.date(), f.description(), f.type(), f.categoryId(), f.amount(), f.currencyId(),
             f.amountBgl(), f.notes(), m_clock.now(), f.paid(), f.masterId());
+    if (!m_observers.empty()) {
+        notify(&before, op);
+    }
     changed();
     return true;
 }
@@ -274,6 +281,7 @@ bool CFinoraDoc::deleteOperation(std::int32_t id)
     }
     ChangeBatch step(*this);
     nameStep([] { return "изтриване на " + recordsText(1); });
+    notify(m_ledger.operations.find(id), nullptr);
     removeFirstInto(m_ledger.operations, recording() ? &m_step.operations : nullptr, id);
     ++m_recordsRevision;
     changed();
@@ -291,6 +299,7 @@ void CFinoraDoc::deleteAllOperations()
         m_ledger.operations.clear();
     }
     ++m_recordsRevision;
+    notify(nullptr, nullptr);
     changed(ChangeKind::DeleteAll);
 }
 
@@ -305,8 +314,12 @@ bool CFinoraDoc::markPaid(std::int32_t id)
     if (recording()) {
         m_step.operations.modified(id, m_ledger.operations.keyOf(*op), *op);
     }
+    const Operation before = m_observers.empty() ? Operation() : *op;
     op->setPaid(1);
     op->setLastModified(m_clock.now());
+    if (!m_observers.empty()) {
+        notify(&before, op);
+    }
     changed();
     return true;
 }
@@ -343,17 +356,60 @@ bool CFinoraDoc::checkLock(std::string_view password, LockCheck mode)
 void CFinoraDoc::clear()
 {
     m_ledger = Ledger();
+    m_companion.clear();
     m_history.clear();
     m_step = HistoryStep();
     ++m_recordsRevision;
+    notify(nullptr, nullptr);
 }
 
 void CFinoraDoc::replaceLedger(Ledger ledger)
 {
     m_ledger = std::move(ledger);
+    m_companion.clear();
     m_history.clear();
     m_step = HistoryStep();
     ++m_recordsRevision;
+    notify(nullptr, nullptr);
+}
+
+void CFinoraDoc::setRules(std::vector<CategoryRule> rules, std::string label)
+{
+    ChangeBatch step(*this, std::move(label));
+    if (recording()) {
+        if (!m_step.rules) {
+            m_step.rules.emplace(m_companion.rules, rules);
+        } else {
+            m_step.rules->second = rules;
+        }
+    }
+    m_companion.rules = std::move(rules);
+    changed();
+}
+
+void CFinoraDoc::addObserver(OperationObserver* observer)
+{
+    m_observers.push_back(observer);
+}
+
+void CFinoraDoc::removeObserver(OperationObserver* observer)
+{
+    std::erase(m_observers, observer);
+}
+
+void CFinoraDoc::notify(const Operation* before, const Operation* after) const
+{
+    for (OperationObserver* observer : m_observers) {
+        if (before && after) {
+            observer->operationChanged(*before, *after);
+        } else if (after) {
+            observer->operationAdded(*after);
+        } else if (before) {
+            observer->operationRemoved(*before);
+        } else {
+            observer->operationsReset();
+        }
+    }
 }
 
 bool CFinoraDoc::undo()
@@ -380,18 +436,24 @@ bool CFinoraDoc::takeStep(bool undo)
 
 void CFinoraDoc::applyStep(HistoryStep& step, bool undo)
 {
+    const auto tell = [this](const Operation* before, const Operation* after) {
+        notify(before, after);
+    };
     if (undo) {
-        step.operations.undo(m_ledger.operations);
+        step.operations.undo(m_ledger.operations, tell);
         step.categories.undo(m_ledger.categories);
         step.currencies.undo(m_ledger.currencies);
     } else {
         step.currencies.redo(m_ledger.currencies);
         step.categories.redo(m_ledger.categories);
-        step.operations.redo(m_ledger.operations);
+        step.operations.redo(m_ledger.operations, tell);
     }
     // The step keeps the counters it does not leave, so one swap serves both ways.
     if (step.counters) {
         std::swap(*step.counters, m_ledger.counters);
+    }
+    if (step.rules) {
+        m_companion.rules = undo ? step.rules->first : step.rules->second;
     }
     if (step.lock) {
         const LockState& lock = undo ? step.lock->first : step.lock->second;

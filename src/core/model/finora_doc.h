@@ -1,8 +1,10 @@
 #pragma once
 
+#include "core/companion/companion.h"
 #include "core/model/clock.h"
 #include "core/model/history.h"
 #include "core/model/ledger.h"
+#include "core/model/operation_observer.h"
 
 #include <cstdint>
 #include <functional>
@@ -26,6 +28,10 @@ public:
     explicit CFinoraDoc(const Clock& clock);
 
     const Ledger& ledger() const { return m_ledger; }
+    // What the ledger keeps beside its file. It changes only with a change of the ledger (an
+    // import adds to both in one command), so the ledger's modified flag and save cover it.
+    const Companion& companion() const { return m_companion; }
+    Companion& companion() { return m_companion; }
     const Clock& clock() const { return m_clock; }
 
     // --- lookups
@@ -106,14 +112,22 @@ public:
     // good (a change, so it is auto-saved). A wrong password changes nothing.
     bool checkLock(std::string_view password, LockCheck mode);
 
-    // Back to an empty ledger: no records, counters 0, no lock text, no history. The unlocked
-    // flag stays.
+    // Replaces the categorisation rules the companion keeps: a change of the ledger, one step of
+    // the history named by `label` (UTF-8).
+    void setRules(std::vector<CategoryRule> rules, std::string label);
+
+    // Back to an empty ledger: no records, counters 0, no lock text, no companion data, no
+    // history. The unlocked flag stays.
     void clear();
-    // Takes a ledger read from a file; the document is not marked modified and has no history.
+    // Takes a ledger read from a file, with no companion data yet; the document is not marked
+    // modified and has no history.
     void replaceLedger(Ledger ledger);
 
     // Called after every successful change, once the document is marked modified.
     void setChangeHandler(ChangeHandler handler) { m_onChange = std::move(handler); }
+    // Told of every operation record as it changes; the observer outlives its registration.
+    void addObserver(OperationObserver* observer);
+    void removeObserver(OperationObserver* observer);
 
     // While one lives, changes are collected and the handler hears of them once, when the last
     // batch ends: deleting a thousand rows with auto-save on then writes the file once, not a
@@ -149,15 +163,20 @@ private:
     void closeStep();
     bool takeStep(bool undo);
     void applyStep(HistoryStep& step, bool undo);
+    // Before and after of one operation record: added (no before), removed (no after), or the
+    // whole list replaced (neither).
+    void notify(const Operation* before, const Operation* after) const;
 
     const Clock& m_clock;
     Ledger m_ledger;
+    Companion m_companion;
     std::string m_path;
     bool m_modified = false;
     std::uint64_t m_recordsRevision = 0;
     std::int32_t m_unlocked = 0;
     bool m_readOnly = false;
     ChangeHandler m_onChange;
+    std::vector<OperationObserver*> m_observers;
     int m_batchDepth = 0;
     bool m_changePending = false;
     ChangeKind m_pendingKind = ChangeKind::Ordinary;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/companion/category_rule.h"
 #include "core/model/ledger.h"
 
 #include <cstddef>
@@ -44,18 +45,22 @@ public:
         m_runs.push_back(std::move(run));
     }
 
-    void undo(List& list)
+    // `notify(before, after)` hears of each record the step puts in (before null), takes out
+    // (after null) or changes; both null when the whole list was swapped.
+    template <class Notify> void undo(List& list, const Notify& notify)
     {
         for (auto run = m_runs.rbegin(); run != m_runs.rend(); ++run) {
-            apply(list, *run, true);
+            apply(list, *run, true, notify);
         }
     }
-    void redo(List& list)
+    template <class Notify> void redo(List& list, const Notify& notify)
     {
         for (Run& run : m_runs) {
-            apply(list, run, false);
+            apply(list, run, false, notify);
         }
     }
+    void undo(List& list) { undo(list, ignore); }
+    void redo(List& list) { redo(list, ignore); }
 
 private:
     enum class Kind { Added, Removed, Modified, Replaced };
@@ -79,14 +84,16 @@ private:
         return run;
     }
 
-    static void apply(List& list, Run& run, bool undo)
+    static void ignore(const T*, const T*) {}
+
+    template <class Notify> static void apply(List& list, Run& run, bool undo, const Notify& notify)
     {
         switch (run.kind) {
         case Kind::Added:
-            undo ? takeOut(list, run, true) : putBack(list, run);
+            undo ? takeOut(list, run, true, notify) : putBack(list, run, notify);
             break;
         case Kind::Removed:
-            undo ? putBack(list, run) : takeOut(list, run, false);
+            undo ? putBack(list, run, notify) : takeOut(list, run, false, notify);
             break;
         case Kind::Modified:
             for (std::size_t n = 0; n < run.ids.size(); ++n) {
@@ -96,15 +103,18 @@ private:
                     throw std::logic_error("the history does not match the ledger");
                 }
                 std::swap(*record, run.values[i]);
+                notify(&run.values[i], record);
             }
             break;
         case Kind::Replaced:
             std::swap(list, *run.whole);
+            notify(nullptr, nullptr);
             break;
         }
     }
 
-    static void takeOut(List& list, Run& run, bool backwards)
+    template <class Notify>
+    static void takeOut(List& list, Run& run, bool backwards, const Notify& notify)
     {
         run.values.resize(run.ids.size());
         for (std::size_t n = 0; n < run.ids.size(); ++n) {
@@ -114,14 +124,20 @@ private:
                 throw std::logic_error("the history does not match the ledger");
             }
             run.values[i] = std::move(taken->value);
+            notify(&run.values[i], nullptr);
         }
     }
 
-    static void putBack(List& list, Run& run)
+    template <class Notify> static void putBack(List& list, Run& run, const Notify& notify)
     {
         std::vector<T> values;
         values.swap(run.values);
         list.restore(run.keys, std::move(values));
+        for (std::size_t i = 0; i < run.ids.size(); ++i) {
+            if (const T* record = list.findByKey(run.ids[i], run.keys[i])) {
+                notify(nullptr, record);
+            }
+        }
     }
 
     std::vector<Run> m_runs;
@@ -144,10 +160,13 @@ struct HistoryStep {
     // The lock before and after, for a step that changed it: done again, setting a protection
     // locks the ledger again, whatever unlocking came in between.
     std::optional<std::pair<LockState, LockState>> lock;
+    // The categorisation rules before and after, for a step that changed them.
+    std::optional<std::pair<std::vector<CategoryRule>, std::vector<CategoryRule>>> rules;
 
     bool empty() const
     {
-        return currencies.empty() && categories.empty() && operations.empty() && !counters && !lock;
+        return currencies.empty() && categories.empty() && operations.empty() && !counters &&
+               !lock && !rules;
     }
 };
 

@@ -1,5 +1,6 @@
 #include "core/storage/document_storage.h"
 
+#include "core/companion/companion_file.h"
 #include "core/storage/byte_reader.h"
 
 #include <cerrno>
@@ -88,6 +89,29 @@ std::string DocumentStorage::cannotWriteText(const std::string& path, FileError 
     return "Документът не може да бъде записан във файла „" + path + "“.\n" + describe(error);
 }
 
+const char* const DocumentStorage::kCompanionCaption = "Допълнителни данни";
+
+std::string DocumentStorage::damagedCompanionText(const std::string& path, const std::string& where)
+{
+    return "Файлът с допълнителните данни на документа „" + path + "“ е повреден (" + where +
+           ") и не беше прочетен. Документът е отворен без тях: вече внесените банкови извлечения "
+           "няма да бъдат разпознати.\n\nЖелаете ли при следващото записване файлът да бъде "
+           "заменен с нов?";
+}
+
+std::string DocumentStorage::newerCompanionText(const std::string& path)
+{
+    return "Файлът с допълнителните данни „" + path +
+           "“ е създаден от по-нова версия на Finora. Документът е отворен без тях, а файлът "
+           "ще остане непроменен.";
+}
+
+std::string DocumentStorage::unreadableCompanionText(const std::string& path, FileError error)
+{
+    return "Файлът с допълнителните данни „" + path + "“ не може да бъде прочетен.\n" +
+           describe(error) + "\nДокументът е отворен без тях, а файлът ще остане непроменен.";
+}
+
 namespace {
 
 // Feeds every byte the reader takes to the digest, so an open learns what the file held
@@ -155,6 +179,7 @@ void DocumentStorage::closeDocument()
     m_readOnly = false;
     m_doc.setReadOnly(false);
     m_diskState.reset();
+    m_keptCompanion.clear();
 }
 
 DocumentStorage::OpenResult DocumentStorage::open(const std::string& path)
@@ -228,6 +253,7 @@ DocumentStorage::OpenResult DocumentStorage::open(const std::string& path)
     m_diskState = before;
     m_diskState->hash = hash.value();
     m_settings.setText(TextSetting::LastFileUsed, path);
+    openCompanion(path);
     return OpenResult::Opened;
 }
 
@@ -243,6 +269,51 @@ Answer DocumentStorage::askAboutHolder(const std::string& path, const LockOwner&
     // Enter opens it read-only, which takes nothing from anybody.
     return m_prompter.show({kLockedCaption, staleLockText(path, holder), MessageIcon::Warning,
                             MessageButtons::YesNoCancel, Answer::No});
+}
+
+void DocumentStorage::openCompanion(const std::string& ledgerPath)
+{
+    const std::string path = companionPathFor(ledgerPath);
+    std::error_code ec;
+    if (!std::filesystem::exists(pathFromUtf8(path), ec)) {
+        return; // a ledger without one works as it always has
+    }
+    std::string bytes;
+    FileError error = FileError::None;
+    if (!isRegularFile(path, error) || !readWholeFile(path, bytes, &error)) {
+        m_keptCompanion = path;
+        m_prompter.warn(unreadableCompanionText(path, error), kCompanionCaption);
+        return;
+    }
+    const CompanionReadResult read = readCompanion(bytes, m_doc.companion());
+    switch (read.status) {
+    case CompanionReadResult::Status::Ok:
+        return;
+    case CompanionReadResult::Status::Newer:
+        m_keptCompanion = path;
+        m_prompter.warn(newerCompanionText(path), kCompanionCaption);
+        return;
+    case CompanionReadResult::Status::Damaged:
+        if (m_prompter.askYesNo(damagedCompanionText(path, read.where), kCompanionCaption,
+                                MessageIcon::Warning) != Answer::Yes) {
+            m_keptCompanion = path;
+        }
+        return;
+    }
+}
+
+std::shared_ptr<const std::string>
+DocumentStorage::companionBytesFor(const std::string& ledgerPath) const
+{
+    const std::string path = companionPathFor(ledgerPath);
+    if (!m_keptCompanion.empty() && sameFile(path, m_keptCompanion)) {
+        return nullptr;
+    }
+    std::error_code ec;
+    if (m_doc.companion().empty() && !std::filesystem::exists(pathFromUtf8(path), ec)) {
+        return nullptr;
+    }
+    return std::make_shared<const std::string>(serializeCompanion(m_doc.companion()));
 }
 
 DocumentStorage::OpenResult DocumentStorage::refuseFile(const std::string& path, ReadStatus status)
@@ -345,12 +416,23 @@ bool DocumentStorage::save(const std::string& path)
     m_settings.setText(TextSetting::LastFileUsed, path);
     // One serialisation serves the ledger file and its backup: both hold exactly these bytes.
     auto bytes = std::make_shared<const std::string>(serializeLedger(m_doc.ledger()));
+    const auto companion = companionBytesFor(path);
     const bool written = writeFileAtomically(path, *bytes, &m_lastFileError);
+    // The companion follows the ledger it belongs to; a ledger that could not be written keeps
+    // the companion of the file that is still there.
+    const std::string companionPath = companionPathFor(path);
+    FileError companionError = FileError::None;
+    const bool companionWritten =
+        !written || !companion || writeFileAtomically(companionPath, *companion, &companionError);
     // The ledger's own write comes first, so on a nearly full disk the backup cannot take the
     // room the ledger needs; the backup is written whatever became of it, as it may be the
     // only copy of what is in memory.
-    m_backups.submit(backupPathFor(path, m_settings.text(TextSetting::BackupDir)), bytes,
-                     pathToUtf8(resolveLinks(pathFromUtf8(path))));
+    const std::string ledgerFile = pathToUtf8(resolveLinks(pathFromUtf8(path)));
+    const std::string backupPath = backupPathFor(path, m_settings.text(TextSetting::BackupDir));
+    m_backups.submit(backupPath, bytes, ledgerFile);
+    if (companion) {
+        m_backups.submit(companionPathFor(backupPath), companion, ledgerFile);
+    }
     if (!written) {
         m_prompter.error(cannotWriteText(path, m_lastFileError));
         return fail(SaveFailure::WriteError);
@@ -368,6 +450,12 @@ bool DocumentStorage::save(const std::string& path)
         m_settings.addRecentFile(path);
     }
     m_doc.setPath(path);
+    if (!companionWritten) {
+        // The ledger is saved; the document stays modified so the next save tries again.
+        m_lastFileError = companionError;
+        m_prompter.error(cannotWriteText(companionPath, companionError));
+        return fail(SaveFailure::WriteError);
+    }
     m_doc.setModified(false);
     return true;
 }

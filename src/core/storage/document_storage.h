@@ -9,6 +9,7 @@
 #include "core/storage/ledger_format.h"
 #include "core/storage/ledger_lock.h"
 
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -102,6 +103,10 @@ public:
     static std::string cannotOpenText(const std::string& path, FileError error);
     static std::string corruptFileText(const std::string& path);
     static std::string cannotWriteText(const std::string& path, FileError error);
+    static std::string damagedCompanionText(const std::string& path, const std::string& where);
+    static std::string newerCompanionText(const std::string& path);
+    static std::string unreadableCompanionText(const std::string& path, FileError error);
+    static const char* const kCompanionCaption;
 
 private:
     bool fail(SaveFailure why)
@@ -120,6 +125,12 @@ private:
     bool saveUnderAnotherName();
     // True when the file at the document's path is still the one this program read or wrote.
     bool unchangedOnDisk(const std::string& path) const;
+    // Reads the companion of the ledger just opened; a damaged one is told about and, unless
+    // the user agrees, kept from being written over.
+    void openCompanion(const std::string& ledgerPath);
+    // The companion's bytes for a save to `ledgerPath`, or nothing when none is to be written
+    // there: nothing kept and no file to bring up to date, or a file the user wants left alone.
+    std::shared_ptr<const std::string> companionBytesFor(const std::string& ledgerPath) const;
 
     CFinoraDoc& m_doc;
     Settings& m_settings;
@@ -134,6 +145,8 @@ private:
     bool m_readOnly = false;
     // The file as this program last read or wrote it; nothing known for a new ledger.
     std::optional<DiskState> m_diskState;
+    // A companion file that could not be read and must not be written over; empty: none.
+    std::string m_keptCompanion;
     SaveFailure m_lastFailure = SaveFailure::None;
     FileError m_lastFileError = FileError::None;
 };
