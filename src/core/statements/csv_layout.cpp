@@ -2,6 +2,8 @@
 // numbers, true, false, null at one level) and at most 64 KiB, so it needs no general JSON.
 #include "core/statements/csv_layout.h"
 
+#include "core/text/cp1251.h"
+
 #include <array>
 #include <cstdio>
 #include <utility>
@@ -180,7 +182,7 @@ private:
         } else if (code >= 0xDC00 && code <= 0xDFFF) {
             return false;
         }
-        st::appendUtf8(out, code);
+        cp1251::appendUtf8(out, code);
         return true;
     }
     bool readString(std::string& out)
