@@ -14,7 +14,7 @@ namespace st = statement_text;
 
 namespace {
 
-constexpr std::size_t kMaxLayoutBytes = 64 * 1024;
+constexpr std::size_t kMaxLayoutBytes = std::size_t{64} * 1024;
 
 struct JsonValue {
     enum class Kind { String, Number, Literal } kind = Kind::String;

@@ -345,6 +345,10 @@ void PrintTo(const Broken& b, std::ostream* os)
 const std::vector<Broken> kBroken = {
     {"Mt940EntryLine", StatementFormat::Mt940,
      ":20:S\n:25:A\n:60F:C261130BGN1,00\n:61:26X201D1,00NTRFX\n", "ред 4"},
+    {"Mt940CurrencyNotLetters", StatementFormat::Mt940,
+     ":20:S\n:25:A\n:60F:C261130\xEF\xBF\xBD"
+     "1,00\n:61:261201D1,00NTRFX\n",
+     "ред 3"},
     {"Mt940NoStatement", StatementFormat::Mt940, "hello\n:61:261201D1,00NTRFX\n", "ред 1"},
     {"CamtNoDirection", StatementFormat::Camt053,
      "<Document xmlns=\"urn:iso:std:iso:20022:tech:xsd:camt.053.001.02\">\n<BkToCstmrStmt><Stmt>"
