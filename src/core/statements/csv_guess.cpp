@@ -19,6 +19,7 @@ namespace {
 // Enough lines to find the header under any preamble and to see the columns' values.
 constexpr std::size_t kSampleRecords = 200;
 constexpr std::size_t kHeaderSearch = 40;
+constexpr std::size_t kMaxColumns = 64;
 
 enum class Role { Date, Debit, Credit, Amount, Currency, Payee, Description, Notes, Direction };
 
@@ -86,20 +87,24 @@ bool matches(const RoleWords& role, const std::string& folded)
 std::map<Role, std::size_t> rolesOf(const std::vector<std::string>& header)
 {
     std::map<Role, std::size_t> found;
-    std::vector<bool> used(header.size(), false);
+    // No statement has hundreds of columns; a line that splits into more is not its header.
+    std::vector<std::string> folded;
+    for (std::size_t i = 0; i < header.size() && i < kMaxColumns; ++i) {
+        folded.push_back(st::foldUtf8(st::trim(header[i])));
+    }
+    std::vector<bool> used(folded.size(), false);
     for (const RoleWords& role : kRoles) {
-        for (std::size_t i = 0; i < header.size() && found.count(role.role) == 0; ++i) {
-            if (!used[i] && matches(role, st::foldUtf8(st::trim(header[i])))) {
+        for (std::size_t i = 0; i < folded.size() && found.count(role.role) == 0; ++i) {
+            if (!used[i] && matches(role, folded[i])) {
                 found[role.role] = i;
                 used[i] = true;
             }
         }
     }
     if (found.count(Role::Date) == 0) {
-        for (std::size_t i = 0; i < header.size(); ++i) {
-            const std::string folded = st::foldUtf8(header[i]);
-            if (!used[i] && (folded.find("дата") != std::string::npos ||
-                             folded.find("date") != std::string::npos)) {
+        for (std::size_t i = 0; i < folded.size(); ++i) {
+            if (!used[i] && (folded[i].find("дата") != std::string::npos ||
+                             folded[i].find("date") != std::string::npos)) {
                 found[Role::Date] = i;
                 break;
             }
@@ -290,7 +295,7 @@ void addDirectionByValues(std::map<Role, std::size_t>& roles, const std::vector<
     for (const CsvRecord& r : rows) {
         width = std::max(width, r.fields.size());
     }
-    for (std::size_t c = 0; c < width && c < 64; ++c) {
+    for (std::size_t c = 0; c < width && c < kMaxColumns; ++c) {
         const bool used = std::any_of(roles.begin(), roles.end(),
                                       [c](const auto& role) { return role.second == c; });
         if (!used && isDirectionPair(columnValues(rows, c))) {
@@ -320,7 +325,7 @@ std::map<Role, std::size_t> rolesByContent(const std::vector<CsvRecord>& allRows
     std::copy_if(allRows.begin(), allRows.end(), std::back_inserter(rows),
                  [width](const CsvRecord& r) { return r.fields.size() == width; });
     std::map<Role, std::size_t> roles;
-    for (std::size_t c = 0; c < width && c < 64; ++c) {
+    for (std::size_t c = 0; c < width && c < kMaxColumns; ++c) {
         const std::vector<std::string> values = columnValues(rows, c);
         if (values.empty()) {
             continue;
@@ -351,10 +356,9 @@ CsvLayout guessCsvLayout(std::string_view bytes, const CsvLayout& given)
 {
     CsvLayout layout = given;
     bytes = st::withoutBom(bytes);
-    constexpr std::size_t kSampleBytes = 256 * 1024;
     // The sample ends with a whole line, so a character cut in two does not make a UTF-8 file
     // look like another encoding.
-    std::string_view sample = bytes.substr(0, kSampleBytes);
+    std::string_view sample = bytes.substr(0, statement_readers::kSampleBytes);
     if (sample.size() < bytes.size() && sample.rfind('\n') != std::string_view::npos) {
         sample = sample.substr(0, sample.rfind('\n') + 1);
     }

@@ -2,6 +2,8 @@
 // numbers, true, false, null at one level) and at most 64 KiB, so it needs no general JSON.
 #include "core/statements/csv_layout.h"
 
+#include "core/text/cp1251.h"
+
 #include <array>
 #include <cstdio>
 #include <utility>
@@ -12,7 +14,7 @@ namespace st = statement_text;
 
 namespace {
 
-constexpr std::size_t kMaxLayoutBytes = 64 * 1024;
+constexpr std::size_t kMaxLayoutBytes = std::size_t{64} * 1024;
 
 struct JsonValue {
     enum class Kind { String, Number, Literal } kind = Kind::String;
@@ -180,7 +182,7 @@ private:
         } else if (code >= 0xDC00 && code <= 0xDFFF) {
             return false;
         }
-        st::appendUtf8(out, code);
+        cp1251::appendUtf8(out, code);
         return true;
     }
     bool readString(std::string& out)

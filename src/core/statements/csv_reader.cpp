@@ -257,13 +257,16 @@ ReadResult readCsv(std::string_view bytes, const CsvLayout& layout)
         }
         StatementEntry entry;
         if (!parseCsvDate(dateText, dateFormat, entry.year, entry.month, entry.day)) {
+            std::string reason = "„";
+            reason += dateText;
+            reason += "“ не е дата във вида ";
+            reason += dateFormat;
+            reason += '.';
             if (!firstBadDate) {
-                firstBadDate =
-                    lineError(r.line, "„" + dateText + "“ не е дата във вида " + dateFormat + ".");
+                firstBadDate = lineError(r.line, reason);
             }
             if (!pending && !statement.entries.empty()) {
-                pending =
-                    lineError(r.line, "„" + dateText + "“ не е дата във вида " + dateFormat + ".");
+                pending = lineError(r.line, reason);
             }
             continue;
         }
@@ -318,7 +321,8 @@ bool csvLayoutFits(std::string_view bytes, const CsvLayout& layout)
 {
     CsvLayout read = layout;
     if (!read.encoding) {
-        read.encoding = statement_text::guessEncoding(bytes.substr(0, 256 * 1024));
+        read.encoding =
+            statement_text::guessEncoding(bytes.substr(0, statement_readers::kSampleBytes));
     }
     const std::vector<std::string> header = csvHeaderFields(bytes, read);
     bool anyName = false;

@@ -11,6 +11,9 @@
 
 namespace finora::statement_readers {
 
+// How much of a file its layout is guessed from: enough lines for any preamble and header.
+constexpr std::size_t kSampleBytes = std::size_t{256} * 1024;
+
 struct CsvRecord {
     std::vector<std::string> fields;
     std::size_t line = 0; // where the record starts

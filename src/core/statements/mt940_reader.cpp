@@ -3,6 +3,7 @@
 #include "core/statements/format_readers.h"
 #include "core/statements/statement_text.h"
 
+#include <algorithm>
 #include <array>
 #include <cctype>
 #include <string>
@@ -265,7 +266,10 @@ ReadResult readMt940(std::string_view bytes)
             account = st::trim(field.value);
         } else if (tag == "60F" || tag == "60M") {
             const std::string_view v = st::trim(field.value);
-            if (v.size() < 10 || !isDigits(v, 1, 6)) {
+            const bool letters =
+                v.size() >= 10 && std::all_of(v.begin() + 7, v.begin() + 10,
+                                              [](char c) { return c >= 'A' && c <= 'Z'; });
+            if (!letters || !isDigits(v, 1, 6)) {
                 return lineError(field.line, "Началното салдо не е записано правилно.");
             }
             currency = std::string(v.substr(7, 3));

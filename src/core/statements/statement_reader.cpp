@@ -20,6 +20,9 @@ constexpr std::array<std::pair<StatementFormat, std::string_view>, 5> kNames = {
     {StatementFormat::Mt940, "mt940"},
 }};
 
+Result<Statement, StatementReadError> readFormat(std::string_view bytes,
+                                                 const StatementReadOptions& options);
+
 bool contains(std::string_view text, std::string_view what)
 {
     return text.find(what) != std::string_view::npos;
@@ -72,6 +75,27 @@ StatementFormat detectStatementFormat(std::string_view bytes)
 Result<Statement, StatementReadError> readStatement(std::string_view bytes,
                                                     const StatementReadOptions& options)
 {
+    auto read = readFormat(bytes, options);
+    if (read.ok()) {
+        // Readers cut fields at byte positions the file gives; a letter cut in two is not passed
+        // on.
+        for (StatementEntry& e : read.value().entries) {
+            for (std::string* text : {&e.currency, &e.counterparty, &e.remittance, &e.reference,
+                                      &e.account, &e.notes}) {
+                if (!st::isValidUtf8(*text)) {
+                    *text = st::toUtf8(*text, st::Encoding::Utf8);
+                }
+            }
+        }
+    }
+    return read;
+}
+
+namespace {
+
+Result<Statement, StatementReadError> readFormat(std::string_view bytes,
+                                                 const StatementReadOptions& options)
+{
     const StatementFormat format = options.format.value_or(detectStatementFormat(bytes));
     switch (format) {
     case StatementFormat::Mt940:
@@ -87,5 +111,7 @@ Result<Statement, StatementReadError> readStatement(std::string_view bytes,
     }
     return statement_readers::readCsv(bytes, guessCsvLayout(bytes, options.csvLayout));
 }
+
+} // namespace
 
 } // namespace finora

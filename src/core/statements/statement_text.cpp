@@ -8,25 +8,6 @@
 
 namespace finora::statement_text {
 
-void appendUtf8(std::string& out, char32_t c)
-{
-    if (c < 0x80) {
-        out += static_cast<char>(c);
-    } else if (c < 0x800) {
-        out += static_cast<char>(0xC0 | (c >> 6));
-        out += static_cast<char>(0x80 | (c & 0x3F));
-    } else if (c < 0x10000) {
-        out += static_cast<char>(0xE0 | (c >> 12));
-        out += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
-        out += static_cast<char>(0x80 | (c & 0x3F));
-    } else {
-        out += static_cast<char>(0xF0 | (c >> 18));
-        out += static_cast<char>(0x80 | ((c >> 12) & 0x3F));
-        out += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
-        out += static_cast<char>(0x80 | (c & 0x3F));
-    }
-}
-
 namespace {
 
 // Windows-1252 differs from Latin-1 only in 0x80..0x9F; the five unused bytes keep their C1 code.
@@ -131,7 +112,7 @@ std::string toUtf8(std::string_view bytes, Encoding encoding)
         for (const char ch : bytes) {
             const auto b = static_cast<unsigned char>(ch);
             const bool high = encoding == Encoding::Windows1252 && b >= 0x80 && b < 0xA0;
-            appendUtf8(out, high ? kCp1252High[b - 0x80] : b);
+            cp1251::appendUtf8(out, high ? kCp1252High[b - 0x80] : b);
         }
         return out;
     case Encoding::Utf8:
@@ -140,7 +121,7 @@ std::string toUtf8(std::string_view bytes, Encoding encoding)
     for (std::size_t i = 0; i < bytes.size();) {
         const std::size_t n = utf8SequenceAt(bytes, i);
         if (n == 0) {
-            appendUtf8(out, 0xFFFD);
+            cp1251::appendUtf8(out, 0xFFFD);
             ++i;
         } else {
             out.append(bytes.substr(i, n));

@@ -20,7 +20,6 @@ bool isValidUtf8(std::string_view bytes);
 // Latin letters, as accents do.
 Encoding guessEncoding(std::string_view bytes);
 std::string_view withoutBom(std::string_view bytes);
-void appendUtf8(std::string& out, char32_t codePoint);
 
 std::string_view trim(std::string_view text);
 // Whitespace runs (line breaks included) become one blank; the ends are trimmed.

@@ -21,6 +21,9 @@ struct EncodeError {
     std::string message() const;
 };
 
+// The UTF-8 bytes of one code point, for every decoder of the program's texts.
+void appendUtf8(std::string& out, char32_t codePoint);
+
 // Every byte has a character, so decoding never fails.
 std::string toUtf8(std::string_view bytes);
 

@@ -223,15 +223,18 @@ INSTANTIATE_TEST_SUITE_P(Files, CsvGuess, ::testing::ValuesIn(kGuesses),
 
 TEST(CsvGuess, KeepsWhatTheUserCorrectedAndGuessesTheRestAroundIt)
 {
-    const std::string bytes = "Дата;Дата вальор;Сума;Описание\n"
+    const std::string bytes = "Дата;Дата вальор;Сума;Наредител\n"
                               "30.11.2026;01.12.2026;-5,00;Такса\n";
     CsvLayout given;
     given.dateColumn = named("Дата вальор");
+    given.descriptionColumn = named("Наредител");
     const CsvLayout layout = guessCsvLayout(bytes, given);
     EXPECT_EQ(layout.dateColumn, named("Дата вальор"));
+    EXPECT_EQ(layout.descriptionColumn, named("Наредител"));
+    EXPECT_EQ(layout.payeeColumn, CsvColumn{});
     EXPECT_EQ(layout.amountColumn, named("Сума"));
     EXPECT_EQ(csvHeaderFields(bytes, layout),
-              (std::vector<std::string>{"Дата", "Дата вальор", "Сума", "Описание"}));
+              (std::vector<std::string>{"Дата", "Дата вальор", "Сума", "Наредител"}));
 
     StatementReadOptions options;
     options.csvLayout = given;

@@ -204,6 +204,15 @@ const std::string kOfx2 = R"(<?xml version="1.0" encoding="UTF-8" standalone="no
 </OFX>
 )";
 
+// OFX 2 whose XML declaration names Latin-1.
+const std::string kOfx2Latin1 =
+    "<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?>\n<?OFX OFXHEADER=\"200\" VERSION=\"211\"?>\n"
+    "<OFX><BANKMSGSRSV1><STMTTRNRS><STMTRS><CURDEF>EUR</CURDEF><BANKACCTFROM><ACCTID>77</ACCTID>"
+    "</BANKACCTFROM><BANKTRANLIST><STMTTRN><DTPOSTED>20260305</DTPOSTED><TRNAMT>-7,5</TRNAMT>"
+    "<FITID>9</FITID><NAME>Mus\xE9"
+    "e d'Orsay</NAME></STMTTRN></BANKTRANLIST></STMTRS></STMTTRNRS>"
+    "</BANKMSGSRSV1></OFX>";
+
 // QIF with CR line ends (old Macs): a split record is one operation for its total; the
 // apostrophe years are this century; a day over 12 settles the order as month first.
 const std::string kQif = "!Account\rNChecking\rTBank\r^\r!Type:Bank\rD12/25'26\rT-84.20\r"
@@ -274,6 +283,10 @@ const std::vector<Sample> kSamples = {
        "FR7630004000031234567890143", ""},
       {"2026-11-05", 25000, "BGN", "Иван Петров", "", "A-2", "FR7630004000031234567890143", ""},
       {"2026-11-20", -9999, "USD", "Online Store", "", "C-7", "4111111111111111", ""}}},
+    {"Ofx2Latin1",
+     StatementFormat::Ofx,
+     kOfx2Latin1,
+     {{"2026-03-05", -750, "EUR", "Musée d'Orsay", "", "9", "77", ""}}},
     {"QifSplitCrLines",
      StatementFormat::Qif,
      kQif,
@@ -332,6 +345,10 @@ void PrintTo(const Broken& b, std::ostream* os)
 const std::vector<Broken> kBroken = {
     {"Mt940EntryLine", StatementFormat::Mt940,
      ":20:S\n:25:A\n:60F:C261130BGN1,00\n:61:26X201D1,00NTRFX\n", "ред 4"},
+    {"Mt940CurrencyNotLetters", StatementFormat::Mt940,
+     ":20:S\n:25:A\n:60F:C261130\xEF\xBF\xBD"
+     "1,00\n:61:261201D1,00NTRFX\n",
+     "ред 3"},
     {"Mt940NoStatement", StatementFormat::Mt940, "hello\n:61:261201D1,00NTRFX\n", "ред 1"},
     {"CamtNoDirection", StatementFormat::Camt053,
      "<Document xmlns=\"urn:iso:std:iso:20022:tech:xsd:camt.053.001.02\">\n<BkToCstmrStmt><Stmt>"
