@@ -18,7 +18,7 @@ struct Message {
     MessageIcon icon = MessageIcon::None;
     MessageButtons buttons = MessageButtons::Ok;
     // The button Enter presses; without one, the first (Yes or OK).
-    std::optional<Answer> defaultButton;
+    std::optional<Answer> defaultButton = std::nullopt;
 
     bool operator==(const Message&) const = default;
 };
