@@ -38,7 +38,10 @@ for target in "${targets[@]}"; do
   corpus=build/fuzz/corpus/$target
   mkdir -p "$corpus" build/fuzz/artifacts
   echo "fuzz: $target for ${seconds}s"
-  "build/fuzz/fuzz/$target" "$corpus" "$seeds" fuzz/seeds/statements -max_total_time="$seconds" -rss_limit_mb=2048 \
+  # Memory is bounded as the readers promise: no input of 64 KiB may make one allocation over
+  # 256 MiB or the process grow over 1 GiB.
+  "build/fuzz/fuzz/$target" "$corpus" "$seeds" fuzz/seeds/statements -max_total_time="$seconds" \
+    -rss_limit_mb=1024 -malloc_limit_mb=256 \
     -artifact_prefix=build/fuzz/artifacts/ \
     -max_len=65536 -timeout=10 -print_final_stats=1 2>&1 | tail -n 12
 done

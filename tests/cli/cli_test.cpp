@@ -131,8 +131,8 @@ TEST_F(CliTest, NamesTheSystemCannotTakeSayWhyAndDashDashEndsTheOptions)
 {
     const std::string tooLong = path(std::string(300, 'a') + ".fnr");
     const std::string undecodable = path("\xEF\xBF\xBD.fnr"); // a name that was not UTF-8
-    for (const auto& [name, reason] : {std::pair{tooLong, FileError::NameTooLong},
-                                       std::pair{undecodable, FileError::BadName}}) {
+    for (const auto& [name, reason] :
+         {std::pair{tooLong, FileError::NameTooLong}, std::pair{undecodable, FileError::BadName}}) {
         SCOPED_TRACE(name);
         const CliResult r = run({"info", name});
         EXPECT_EQ(r.status, cli::kUnreadable);

@@ -2,6 +2,7 @@
 // disk when the new file cannot be read; the program's exits finish their backups; a second
 // window and a change on disk are told about.
 #include "core/demo/ledger_generator.h"
+#include "core/model/lock_guard.h"
 #include "core/model/recording_prompter.h"
 #include "core/settings/memory_settings_store.h"
 #include "core/storage/file_io.h"
@@ -264,13 +265,15 @@ TEST_F(LedgerSafetyTest, ASecondWindowIsWarnedAndItsReadOnlyCopyCannotSaveOverTh
     EXPECT_TRUE(second->isReadOnly());
     EXPECT_TRUE(second->windowTitle().contains(QStringLiteral("само за четене")));
 
-    // Deleting a row and saving: refused, with the offer of another name, declined.
+    // Deleting rows is refused as it is asked for, with one message, before any work is done.
     second->view().table()->setFocus();
     user::press(second.get(), Qt::Key_A, Qt::ControlModifier);
-    prompter2.queue(Answer::Yes); // the delete question
     user::chooseMenu(second.get(),
                      {QStringLiteral("Редакция"), QStringLiteral("Изтрий маркираните")});
-    EXPECT_EQ(second->document().operationCount(), 0u);
+    EXPECT_EQ(second->document().operationCount(), 500u);
+    EXPECT_EQ(prompter2.messages().back(),
+              (Message{kReadOnlyCaption, kReadOnlyText, MessageIcon::Error, MessageButtons::Ok}));
+    // Saving over the file stays refused, with the offer of another name, declined.
     prompter2.queue(Answer::No);
     user::press(second.get(), Qt::Key_S, Qt::ControlModifier);
     EXPECT_EQ(prompter2.messages().back().text,
@@ -280,7 +283,6 @@ TEST_F(LedgerSafetyTest, ASecondWindowIsWarnedAndItsReadOnlyCopyCannotSaveOverTh
     // Closing the first window lets the ledger go.
     m_frame.reset();
     EXPECT_FALSE(LedgerLock::liveHolder(m_file.toStdString()).has_value());
-    prompter2.queue(Answer::No); // do not keep the deletions
     second->close();
 }
 

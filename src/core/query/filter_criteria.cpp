@@ -5,6 +5,7 @@
 #include "core/text/cp1251.h"
 
 #include <algorithm>
+#include <unordered_set>
 
 namespace finora {
 
@@ -31,6 +32,22 @@ std::string currencyChoice(const std::string& shown)
 bool FilterCriteria::allCurrencies() const
 {
     return currency.empty() || currency == allCurrenciesItem();
+}
+
+void boundCategories(FilterCriteria& criteria, const CFinoraDoc& doc)
+{
+    const auto& categories = doc.ledger().categories;
+    std::unordered_set<std::int32_t> seen;
+    std::vector<std::int32_t> kept;
+    std::size_t unknown = 0;
+    for (const std::int32_t id : criteria.categories) {
+        const bool known = categories.find(id) != nullptr;
+        if ((known || unknown < kUnknownCategoriesKept) && seen.insert(id).second) {
+            kept.push_back(id);
+            unknown += known ? 0 : 1;
+        }
+    }
+    criteria.categories = std::move(kept);
 }
 
 void resetCriteria(FilterCriteria& criteria, const CFinoraDoc& doc, const DateTime& now)

@@ -41,6 +41,11 @@ std::string currencyChoice(const std::string& shown);
 // "Без филтър": every category, from the earliest to the latest of now and every entry's date,
 // income and expense, all currencies, paid or not.
 void resetCriteria(FilterCriteria& criteria, const CFinoraDoc& doc, const DateTime& now);
+// A category list read from a file, cut to what the ledger can use: each id once, every id the
+// ledger knows and the first few it does not (shown with empty names), so a file of millions of
+// ids costs no more than the ledger itself.
+void boundCategories(FilterCriteria& criteria, const CFinoraDoc& doc);
+inline constexpr std::size_t kUnknownCategoriesKept = 64;
 // Today's operations only; the rest of the criteria stays.
 void todayOnly(FilterCriteria& criteria, const DateTime& now);
 

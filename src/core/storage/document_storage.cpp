@@ -394,9 +394,8 @@ bool DocumentStorage::save(const std::string& path)
             return fail(SaveFailure::ChangedOnDisk);
         case ChangedOnDisk::Ask:
             // Enter takes the choice that loses nothing: theirs stays, ours goes elsewhere.
-            switch (m_prompter.show({kChangedCaption, changedOnDiskText(path),
-                                     MessageIcon::Warning, MessageButtons::YesNoCancel,
-                                     Answer::No})) {
+            switch (m_prompter.show({kChangedCaption, changedOnDiskText(path), MessageIcon::Warning,
+                                     MessageButtons::YesNoCancel, Answer::No})) {
             case Answer::Yes:
                 break;
             case Answer::No:

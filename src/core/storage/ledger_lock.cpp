@@ -465,8 +465,8 @@ bool LedgerLock::breakLock(const std::string& ledgerPath, const LockOwner& holde
     std::string text;
     const LockRead read = readLock(lockPath, text);
     const auto owner = read == LockRead::Text ? parseLockFile(text) : std::nullopt;
-    const bool same = holder.unreadable ? read == LockRead::Unreadable
-                                        : owner && owner->token == holder.token;
+    const bool same =
+        holder.unreadable ? read == LockRead::Unreadable : owner && owner->token == holder.token;
     std::error_code ec;
     return same && fs::remove(lockPath, ec);
 }

@@ -363,6 +363,7 @@ void FilterPanel::loadFilterFrom(const QString& path)
     }
     const StoredFilter& f = loaded.value();
     m_criteria = f.criteria;
+    boundCategories(m_criteria, m_doc);
     m_settings.setValue(IntSetting::ShowDataForSubCategories, f.includeSubcategories ? 1 : 0);
     showCriteria();
     changed();

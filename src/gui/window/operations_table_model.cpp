@@ -27,8 +27,8 @@ QVariant OperationsTableModel::data(const QModelIndex& index, int role) const
         if (!m_list.isCurrent()) {
             return QString(); // the rows wait for their refresh
         }
-        return QString::fromStdString(
-            cp1251::toUtf8(m_list.shownText(static_cast<std::size_t>(index.row()), index.column())));
+        return QString::fromStdString(cp1251::toUtf8(
+            m_list.shownText(static_cast<std::size_t>(index.row()), index.column())));
     }
     if (role == Qt::TextAlignmentRole) {
         switch (listColumns()[static_cast<std::size_t>(index.column())].alignment) {

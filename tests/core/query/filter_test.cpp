@@ -156,3 +156,20 @@ TEST_F(FilterTest, OneCurrencyOrAllOfThem)
     criteria.currency = "";
     EXPECT_TRUE(passes(euro));
 }
+
+// A filter file may list millions of ids; what is applied is bounded by the ledger.
+TEST_F(FilterTest, AFiltersCategoryListIsBoundedByTheLedgersCategories)
+{
+    FilterCriteria c;
+    c.categories = {3, 999, 3};
+    for (std::int32_t id = 0; id < 4'000'000; ++id) {
+        c.categories.push_back(1000 + id % 2'000'000);
+    }
+    c.categories.push_back(4); // a known one after millions of others still counts
+    boundCategories(c, doc);
+    ASSERT_EQ(c.categories.size(), 2 + kUnknownCategoriesKept);
+    // Order kept, each id once.
+    EXPECT_EQ(std::vector<std::int32_t>(c.categories.begin(), c.categories.begin() + 3),
+              (std::vector<std::int32_t>{3, 999, 1000}));
+    EXPECT_EQ(c.categories.back(), 4);
+}

@@ -130,6 +130,23 @@ TEST_F(ListTest, CellTexts)
     EXPECT_EQ(column(kColPaid), (std::vector<std::string>{"да", "да", "не", "да"}));
 }
 
+// A 16 MB description is shown from a bounded prefix; the record keeps it whole.
+TEST_F(ListTest, ALongTextIsShownCutWhileTheRecordKeepsItWhole)
+{
+    const std::string huge(16u << 20, 'a');
+    add(huge, kExpense, 1, 1.0, 0, 1.0, huge, 1);
+    list.refresh();
+    for (const int c : {kColDescription, kColNotes}) {
+        SCOPED_TRACE(c);
+        const std::string shown = list.shownText(0, c);
+        EXPECT_LT(shown.size(), 4096u);
+        EXPECT_EQ(shown.substr(0, 100), huge.substr(0, 100));
+        EXPECT_EQ(cp1251::toUtf8(shown.substr(shown.size() - 1)), "…");
+        EXPECT_EQ(list.cellText(0, c), huge);
+    }
+    EXPECT_EQ(list.shownText(1, kColDescription), list.cellText(1, kColDescription));
+}
+
 TEST_F(ListTest, OneCurrencySumsItsOwnAmountsUnderItsCode)
 {
     list.criteria().currency = "EUR";

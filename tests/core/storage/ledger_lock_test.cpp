@@ -1,5 +1,6 @@
 // The lock file beside an open ledger: who holds it, when it is stale, and what a second opener
 // may do.
+#include "core/model/lock_guard.h"
 #include "support/storage_fixture.h"
 
 #ifndef _WIN32
@@ -132,6 +133,48 @@ TEST_F(StorageTest, ASecondOpenerIsToldWhoHoldsTheLedgerAndMayOpenItReadOnly)
     ASSERT_EQ(storage2.open(file), DocumentStorage::OpenResult::Opened);
     EXPECT_TRUE(prompter2.messages().empty());
     EXPECT_FALSE(storage2.isReadOnly());
+}
+
+// Another machine's program cannot be looked at from here: the user is told who, where and
+// since when, and may break its lock, open read-only (every change then refused as it is
+// asked for) or leave.
+TEST_F(StorageTest, ALockFromAnotherMachineMayBeBrokenAfterAQuestionThatNamesItsOwner)
+{
+    const std::string file = path("дом.fnr");
+    writeBytes(file, serializeLedger(test::sampleLedger()));
+    LockOwner elsewhere = sampleOwner();
+    elsewhere.host = "друг-компютър";
+    storage.setLockProgram("finora");
+    struct Case {
+        Answer answer;
+        DocumentStorage::OpenResult result;
+        bool readOnly;
+        bool lockIsOurs;
+    };
+    for (const Case& c :
+         {Case{Answer::Cancel, DocumentStorage::OpenResult::Cancelled, false, false},
+          Case{Answer::No, DocumentStorage::OpenResult::Opened, true, false},
+          Case{Answer::Yes, DocumentStorage::OpenResult::Opened, false, true}}) {
+        SCOPED_TRACE(static_cast<int>(c.answer));
+        storage.closeDocument();
+        writeBytes(LedgerLock::lockPathFor(file), lockFileText(elsewhere));
+        prompter.clear();
+        prompter.queue(c.answer);
+        EXPECT_EQ(storage.open(file), c.result);
+        ASSERT_FALSE(prompter.messages().empty());
+        const std::string& question = prompter.messages().front().text;
+        for (const char* part : {"иван", "друг-компютър", "23-11-2026 10:15"}) {
+            EXPECT_NE(question.find(part), std::string::npos) << part;
+        }
+        EXPECT_EQ(storage.isReadOnly(), c.readOnly);
+        const auto holder = LedgerLock::liveHolder(file);
+        ASSERT_TRUE(holder.has_value());
+        EXPECT_EQ(holder->host == hostName(), c.lockIsOurs);
+        // Read-only refuses the change when it is asked for, with its own message.
+        prompter.clear();
+        EXPECT_EQ(refuseWhenReadOnly(doc, prompter), c.readOnly);
+        EXPECT_EQ(prompter.messages().size(), c.readOnly ? 1u : 0u);
+    }
 }
 
 #ifndef _WIN32
