@@ -30,7 +30,7 @@ mkdir -p "$seeds"
 "$cli" save-filter "$seeds/filter.ffl" --category 3 --category 7 --subcategories --paid 2 >/dev/null 2>&1 || true
 printf 'Finora lock 1\nprogram=finora\nuser=иван\nhost=лаптоп\npid=4242\nstart=987\nsince=23-11-2026 10:15\ntoken=0123456789abcdef\n' \
   >"$seeds/lock.txt"
-printf '{\n  "finora_companion": 1,\n  "imported": [\n    {"key": "ref:BG80/FT1/20261103/-1250#1", "operation": 12, "date": "2026-11-03", "amount_cents": 1250, "type": 2}\n  ],\n  "rules": [{"contains": "\\u041b\\u0438\\u0434\\u043b", "category": 7}]\n}\n' \
+printf '{\n  "finora_companion": 1,\n  "imported": [\n    {"key": "ref:BG80/FT1/20261103/-1250#1", "operation": 12, "date": "2026-11-03", "amount_cents": 1250, "type": 2}\n  ],\n  "rules": [{"match": "contains", "text": "\\u041b\\u0438\\u0434\\u043b", "category": 7}]\n}\n' \
   >"$seeds/companion.json"
 rm -f "$seeds"/*.bak
 
