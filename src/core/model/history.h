@@ -144,6 +144,8 @@ struct HistoryStep {
     // The lock before and after, for a step that changed it: done again, setting a protection
     // locks the ledger again, whatever unlocking came in between.
     std::optional<std::pair<LockState, LockState>> lock;
+    // Given when recorded, never reused: which state of the ledger the step leads to.
+    std::uint64_t serial = 0;
 
     bool empty() const
     {
@@ -166,6 +168,9 @@ public:
     const std::string& redoLabel() const;
     std::size_t undoCount() const { return m_undo.size(); }
     std::size_t redoCount() const { return m_redo.size(); }
+    // The state the ledger is in, as the serial of the last step done (0 before any): equal
+    // positions are equal ledgers.
+    std::uint64_t position() const { return m_undo.empty() ? 0 : m_undo.back().serial; }
 
     // The step to undo or redo, out of the history; hand it back once applied.
     HistoryStep takeUndo();
@@ -177,6 +182,7 @@ public:
 
 private:
     std::size_t m_limit = 0;
+    std::uint64_t m_lastSerial = 0;
     std::deque<HistoryStep> m_undo;
     std::vector<HistoryStep> m_redo;
 };
