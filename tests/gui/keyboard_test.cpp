@@ -81,6 +81,26 @@ TEST_F(KeyboardTest, DeleteInTheListDeletesTheSelectedRowsAfterAskingAndNowhereE
     EXPECT_EQ(m_frame->document().operationCount(), 49u);
 }
 
+TEST_F(KeyboardTest, UndoBackToTheOpenedLedgerClearsTheModifiedMarkAndTheItemsFollow)
+{
+    QAction* undo = m_frame->findChild<QAction*>(QStringLiteral("actionUndo"));
+    QAction* redo = m_frame->findChild<QAction*>(QStringLiteral("actionRedo"));
+    EXPECT_FALSE(undo->isEnabled());
+    user::clickIndex(table(), table()->model()->index(0, 3));
+    QTest::keyClick(table(), Qt::Key_Delete);
+    // No menu was opened: the items follow the history by themselves.
+    EXPECT_TRUE(m_frame->isWindowModified());
+    EXPECT_TRUE(undo->isEnabled());
+    EXPECT_TRUE(user::shown(undo->text()).contains(QStringLiteral("изтриване")))
+        << undo->text().toStdString();
+    user::press(m_frame.get(), Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_FALSE(m_frame->isWindowModified());
+    EXPECT_FALSE(undo->isEnabled());
+    EXPECT_TRUE(redo->isEnabled());
+    user::press(m_frame.get(), Qt::Key_Y, Qt::ControlModifier);
+    EXPECT_TRUE(m_frame->isWindowModified());
+}
+
 TEST_F(KeyboardTest, TabInTheSearchFollowsTheScreenAndEscapeClosesTheHelp)
 {
     QStringList walked;

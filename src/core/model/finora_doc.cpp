@@ -353,6 +353,22 @@ bool CFinoraDoc::checkLock(std::string_view password, LockCheck mode)
     return true;
 }
 
+void CFinoraDoc::setModified(bool modified)
+{
+    m_modified = modified;
+    if (!modified) {
+        m_savedAt = m_history.position();
+    }
+    tellState();
+}
+
+void CFinoraDoc::tellState()
+{
+    if (m_onState) {
+        m_onState();
+    }
+}
+
 void CFinoraDoc::clear()
 {
     m_ledger = Ledger();
@@ -431,6 +447,8 @@ bool CFinoraDoc::takeStep(bool undo)
     applyStep(step, undo);
     undo ? m_history.undone(std::move(step)) : m_history.redone(std::move(step));
     changed();
+    m_modified = m_history.position() != m_savedAt;
+    tellState();
     return true;
 }
 
@@ -498,6 +516,7 @@ void CFinoraDoc::changed(ChangeKind kind)
     if (m_onChange) {
         m_onChange(kind);
     }
+    tellState();
 }
 
 CFinoraDoc::ChangeBatch::ChangeBatch(CFinoraDoc& doc, std::string label)

@@ -91,7 +91,9 @@ public:
 
     // --- document state
     bool isModified() const { return m_modified; }
-    void setModified(bool modified) { m_modified = modified; }
+    // Unmodified is the state a save or an open left: undoing or redoing back to it clears the
+    // mark again.
+    void setModified(bool modified);
     const std::string& path() const { return m_path; }
     void setPath(std::string path) { m_path = std::move(path); }
     // Opened while another program holds the file: every change is refused as it is asked for.
@@ -128,6 +130,8 @@ public:
     // Told of every operation record as it changes; the observer outlives its registration.
     void addObserver(OperationObserver* observer);
     void removeObserver(OperationObserver* observer);
+    // Called whenever what undo and redo offer, or the modified mark, may have changed.
+    void setStateHandler(std::function<void()> handler) { m_onState = std::move(handler); }
 
     // While one lives, changes are collected and the handler hears of them once, when the last
     // batch ends: deleting a thousand rows with auto-save on then writes the file once, not a
@@ -150,6 +154,7 @@ public:
 
 private:
     void changed(ChangeKind kind = ChangeKind::Ordinary);
+    void tellState();
     // True while a step is open and the history keeps steps.
     bool recording() const { return m_batchDepth > 0 && m_history.limit() > 0; }
     // Names the open step after its first change unless the command named it.
@@ -177,6 +182,8 @@ private:
     bool m_readOnly = false;
     ChangeHandler m_onChange;
     std::vector<OperationObserver*> m_observers;
+    std::function<void()> m_onState;
+    std::optional<std::uint64_t> m_savedAt; // the history's position when last unmodified
     int m_batchDepth = 0;
     bool m_changePending = false;
     ChangeKind m_pendingKind = ChangeKind::Ordinary;

@@ -29,6 +29,7 @@ void History::record(HistoryStep step)
         return;
     }
     m_redo.clear();
+    step.serial = ++m_lastSerial;
     if (step.label.empty()) {
         step.label = "промяна";
     }

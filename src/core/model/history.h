@@ -162,6 +162,8 @@ struct HistoryStep {
     std::optional<std::pair<LockState, LockState>> lock;
     // The categorisation rules before and after, for a step that changed them.
     std::optional<std::pair<std::vector<CategoryRule>, std::vector<CategoryRule>>> rules;
+    // Given when recorded, never reused: which state of the ledger the step leads to.
+    std::uint64_t serial = 0;
 
     bool empty() const
     {
@@ -185,6 +187,9 @@ public:
     const std::string& redoLabel() const;
     std::size_t undoCount() const { return m_undo.size(); }
     std::size_t redoCount() const { return m_redo.size(); }
+    // The state the ledger is in, as the serial of the last step done (0 before any): equal
+    // positions are equal ledgers.
+    std::uint64_t position() const { return m_undo.empty() ? 0 : m_undo.back().serial; }
 
     // The step to undo or redo, out of the history; hand it back once applied.
     HistoryStep takeUndo();
@@ -196,6 +201,7 @@ public:
 
 private:
     std::size_t m_limit = 0;
+    std::uint64_t m_lastSerial = 0;
     std::deque<HistoryStep> m_undo;
     std::vector<HistoryStep> m_redo;
 };

@@ -15,6 +15,21 @@
 #include <QVBoxLayout>
 
 namespace finora {
+namespace {
+
+// Tab follows the screen: from `before`, one stop on the group's choice, then `after`.
+void tabThroughChoice(QWidget* before, QButtonGroup* group, QWidget* after)
+{
+    tabStopOnChosen(group);
+    QWidget* previous = before;
+    for (QAbstractButton* choice : group->buttons()) {
+        QWidget::setTabOrder(previous, choice);
+        previous = choice;
+    }
+    QWidget::setTabOrder(previous, after);
+}
+
+} // namespace
 
 SearchDialog::SearchDialog(SearchEditor& editor, QWidget* parent)
     : QDialog(parent), m_editor(editor), m_text(new QLineEdit(this)),
@@ -67,20 +82,12 @@ SearchDialog::SearchDialog(SearchEditor& editor, QWidget* parent)
     m_currency->setToolTip(tr("Указва търсене в полето за наименование на валута ..."));
 
     auto* buttons = makeDialogButtons(this, tr("търси"));
-
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(what);
     layout->addWidget(where);
     layout->addWidget(other);
     layout->addWidget(buttons);
-    // Tab follows the screen: the words, one stop on the AND/OR/NOT choice, the phrase option.
-    tabStopOnChosen(m_mode);
-    QWidget* previous = m_text;
-    for (QAbstractButton* mode : m_mode->buttons()) {
-        setTabOrder(previous, mode);
-        previous = mode;
-    }
-    setTabOrder(previous, m_exact);
+    tabThroughChoice(m_text, m_mode, m_exact);
 
     m_text->setObjectName(QStringLiteral("searchText"));
     m_text->setText(QString::fromStdString(cp1251::toUtf8(m_editor.request().text)));

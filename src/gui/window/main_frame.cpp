@@ -58,6 +58,12 @@ CMainFrame::CMainFrame(SettingsStore& store, Prompter& prompter, DocumentHost& h
     m_doc.setHistoryLimit(kUndoSteps);
     m_storage.attach();
     createActions();
+    connect(&m_undoState, &UndoState::canUndoChanged, action(Command::Undo), &QAction::setEnabled);
+    connect(&m_undoState, &UndoState::canRedoChanged, action(Command::Redo), &QAction::setEnabled);
+    connect(&m_undoState, &UndoState::undoTextChanged, action(Command::Undo), &QAction::setText);
+    connect(&m_undoState, &UndoState::redoTextChanged, action(Command::Redo), &QAction::setText);
+    connect(&m_undoState, &UndoState::modifiedChanged, this, &QWidget::setWindowModified);
+    m_undoState.announce();
     // The idle text whenever nothing else is said there.
     statusBar()->showMessage(tr(kIdleText));
     connect(statusBar(), &QStatusBar::messageChanged, this, [this](const QString& text) {

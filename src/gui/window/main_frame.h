@@ -10,6 +10,7 @@
 #include "core/storage/document_storage.h"
 #include "gui/window/finora_view.h"
 #include "gui/window/report_printer.h"
+#include "gui/window/undo_state.h"
 
 #include <QMainWindow>
 #include <array>
@@ -202,6 +203,7 @@ private:
     Prompter& m_prompter;
     DocumentHost& m_host;
     CFinoraDoc m_doc;
+    UndoState m_undoState{m_doc, nullptr}; // a member, not a child: it goes before the document
     BackupWriter m_backups;
     DocumentStorage m_storage;
     CFinoraView* m_view;

@@ -500,8 +500,9 @@ void CMainFrame::updateCommands()
     const auto enable = [&](Command command, bool on) { enabled[indexOf(command)] = on; };
     const auto check = [&](Command command, bool on) { checked[indexOf(command)] = on; };
 
-    enable(Command::Undo, m_doc.history().canUndo());
-    enable(Command::Redo, m_doc.history().canRedo());
+    // Undo and redo follow the history's signals (UndoState).
+    enable(Command::Undo, action(Command::Undo)->isEnabled());
+    enable(Command::Redo, action(Command::Redo)->isEnabled());
     enable(Command::SelectAll, anyRow);
     enable(Command::EditRecord, anySelected);
     enable(Command::DeleteAll, m_doc.operationCount() > 0);
@@ -549,8 +550,6 @@ void CMainFrame::updateCommands()
         }
     }
     // The texts that name what the command would do now.
-    action(Command::Undo)->setText(QString::fromStdString(undoMenuText(m_doc)));
-    action(Command::Redo)->setText(QString::fromStdString(redoMenuText(m_doc)));
     action(Command::TemporaryUnlock)
         ->setText(QString::fromStdString(temporaryUnlockMenuText(m_doc))
                       .section(QLatin1Char('\t'), 0, 0));

@@ -463,6 +463,31 @@ TEST_F(HistoryTest, UndoAndRedoAreChangesOfTheirOwn)
     EXPECT_TRUE(m_changes.empty());
 }
 
+TEST_F(HistoryTest, UndoingOrRedoingBackToTheSavedStateClearsTheModifiedMark)
+{
+    int told = 0;
+    m_doc.setStateHandler([&told] { ++told; });
+    m_doc.setModified(false); // as opened: no step yet
+    ASSERT_TRUE(m_doc.addCategory("A", 0));
+    ASSERT_TRUE(m_doc.undo());
+    EXPECT_FALSE(m_doc.isModified()) << "back where it was opened";
+    ASSERT_TRUE(m_doc.redo());
+    ASSERT_TRUE(m_doc.addCategory("B", 0));
+    m_doc.setModified(false); // saved with A and B
+    // Each entry: undo or redo, then whether the ledger differs from the saved one.
+    const std::pair<bool, bool> steps[] = {
+        {true, true}, {true, true}, {false, true}, {false, false}, {true, true}};
+    for (const auto& [undo, modified] : steps) {
+        ASSERT_TRUE(undo ? m_doc.undo() : m_doc.redo());
+        EXPECT_EQ(m_doc.isModified(), modified) << (undo ? "undo" : "redo");
+    }
+    // A new change where B was undone: the saved state can no longer be reached.
+    ASSERT_TRUE(m_doc.addCategory("C", 0));
+    ASSERT_TRUE(m_doc.undo());
+    EXPECT_TRUE(m_doc.isModified());
+    EXPECT_GE(told, 10) << "the state handler missed changes";
+}
+
 TEST_F(HistoryTest, OneBatchIsOneStepAndOnlyTheOutermostNamesIt)
 {
     {
