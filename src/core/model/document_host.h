@@ -23,6 +23,9 @@ public:
     virtual std::optional<std::string> chooseOpenPath(const std::string& caption) = 0;
     // A save dialog for an export, with an overwrite question; nullopt when cancelled.
     virtual std::optional<std::string> chooseExportPath(const ExportRequest& request) = 0;
+    // An open dialog for a file read into the ledger (a bank statement), with the request's
+    // title, filter and folder; nullopt when cancelled.
+    virtual std::optional<std::string> chooseImportPath(const ExportRequest& request) = 0;
     // Ends the whole program with `status` once control returns to it; the caller stops at once.
     virtual void exitProgram(int status) = 0;
 };
@@ -34,6 +37,10 @@ public:
     std::optional<std::string> chooseSavePath() override { return std::nullopt; }
     std::optional<std::string> chooseOpenPath(const std::string&) override { return std::nullopt; }
     std::optional<std::string> chooseExportPath(const ExportRequest&) override
+    {
+        return std::nullopt;
+    }
+    std::optional<std::string> chooseImportPath(const ExportRequest&) override
     {
         return std::nullopt;
     }
