@@ -216,8 +216,7 @@ void StatementImportDialog::replan()
     m_category->setText(
         m_options.category > 0
             ? qt(m_doc.categoryName(m_options.category))
-            : tr("нова категория „%1“")
-                  .arg(QString::fromStdString(statementCategoryName(m_doc.clock().now()))));
+            : tr("нова категория „%1“").arg(qt(statementCategoryName(m_doc.clock().now()))));
     showPlan();
 }
 
