@@ -186,6 +186,8 @@ private:
     void openWithDialog();
     void save();
     void saveAs();
+    // The whole of a file the user chose to read in; false, after telling them, when it cannot be.
+    bool readChosenFile(const std::string& path, std::string& bytes);
     void importLedgerFile();
     // A bank statement: read, shown line by line, and added as one step when the user says so.
     void importStatement();

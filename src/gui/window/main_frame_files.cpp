@@ -121,6 +121,18 @@ void CMainFrame::saveAs()
     updateTitle();
 }
 
+bool CMainFrame::readChosenFile(const std::string& path, std::string& bytes)
+{
+    FileError error = FileError::None;
+    if (readWholeFile(path, bytes, &error)) {
+        return true;
+    }
+    m_prompter.error(tr("Файлът „%1“ не може да бъде отворен.\n%2")
+                         .arg(QString::fromStdString(path), QString::fromStdString(describe(error)))
+                         .toStdString());
+    return false;
+}
+
 void CMainFrame::importLedgerFile()
 {
     if (refuseWhenLocked(m_doc, m_prompter)) {
@@ -132,12 +144,7 @@ void CMainFrame::importLedgerFile()
         return;
     }
     std::string bytes;
-    FileError error = FileError::None;
-    if (!readWholeFile(*path, bytes, &error)) {
-        m_prompter.error(
-            tr("Файлът „%1“ не може да бъде отворен.\n%2")
-                .arg(QString::fromStdString(*path), QString::fromStdString(describe(error)))
-                .toStdString());
+    if (!readChosenFile(*path, bytes)) {
         return;
     }
     importLedger(m_doc, bytes, m_prompter);
@@ -160,12 +167,7 @@ void CMainFrame::importStatement()
         return;
     }
     std::string bytes;
-    FileError error = FileError::None;
-    if (!readWholeFile(*path, bytes, &error)) {
-        m_prompter.error(
-            tr("Файлът „%1“ не може да бъде отворен.\n%2")
-                .arg(QString::fromStdString(*path), QString::fromStdString(describe(error)))
-                .toStdString());
+    if (!readChosenFile(*path, bytes)) {
         return;
     }
     // A CSV file is read under a guessed layout, which the preview then lets the user correct.
