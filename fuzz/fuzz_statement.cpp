@@ -17,11 +17,10 @@ void check(const Result<Statement, StatementReadError>& read)
         return;
     }
     for (const StatementEntry& e : read.value().entries) {
-        const bool texts = statement_text::isValidUtf8(e.counterparty) &&
-                           statement_text::isValidUtf8(e.remittance) &&
-                           statement_text::isValidUtf8(e.reference) &&
-                           statement_text::isValidUtf8(e.notes) &&
-                           statement_text::isValidUtf8(e.currency);
+        const bool texts =
+            statement_text::isValidUtf8(e.counterparty) &&
+            statement_text::isValidUtf8(e.remittance) && statement_text::isValidUtf8(e.reference) &&
+            statement_text::isValidUtf8(e.notes) && statement_text::isValidUtf8(e.currency);
         if (!statement_text::isValidDate(e.year, e.month, e.day) || !texts) {
             std::abort();
         }
