@@ -333,6 +333,10 @@ public:
     {
         return std::nullopt;
     }
+    std::optional<std::string> chooseImportPath(const ExportRequest&) override
+    {
+        return std::nullopt;
+    }
     void exitProgram(int status) override { real.exitProgram(status); }
 
     std::deque<std::string> openPaths;

@@ -34,11 +34,18 @@ public:
         exportRequests.push_back(request);
         return next(exportPaths);
     }
+    std::optional<std::string> chooseImportPath(const ExportRequest& request) override
+    {
+        importRequests.push_back(request);
+        return next(importPaths);
+    }
     void exitProgram(int status) override { exits.push_back(status); }
 
     std::deque<std::optional<std::string>> paths;
     std::deque<std::optional<std::string>> exportPaths;
     std::vector<ExportRequest> exportRequests;
+    std::deque<std::optional<std::string>> importPaths;
+    std::vector<ExportRequest> importRequests;
     int dialogs = 0;
     std::deque<std::string> openPaths;
     // Runs while a dialog would be open, as the program's own event loop would then run.

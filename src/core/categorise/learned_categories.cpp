@@ -16,7 +16,7 @@ constexpr double kLeadOverNext = 2.0;
 
 } // namespace
 
-LearnedCategories::LearnedCategories(CFinoraDoc& doc) : m_doc(doc)
+LearnedCategories::LearnedCategories(const CFinoraDoc& doc) : m_doc(doc)
 {
     rebuild();
     m_doc.addObserver(this);

@@ -25,7 +25,7 @@ class CFinoraDoc;
 // document's observer hook, for as long as it lives.
 class LearnedCategories : public OperationObserver {
 public:
-    explicit LearnedCategories(CFinoraDoc& doc);
+    explicit LearnedCategories(const CFinoraDoc& doc);
     ~LearnedCategories() override;
     LearnedCategories(const LearnedCategories&) = delete;
     LearnedCategories& operator=(const LearnedCategories&) = delete;
@@ -63,7 +63,7 @@ private:
     static void add(Tally& tally, std::int32_t category, int delta);
     bool usedWithType(std::int32_t category, std::int32_t type) const;
 
-    CFinoraDoc& m_doc;
+    const CFinoraDoc& m_doc;
     std::unordered_map<std::string, Tally, WordHash, std::equal_to<>> m_words;
     std::unordered_map<std::int32_t, CategoryUse> m_categories;
     std::vector<std::string> m_scratch;

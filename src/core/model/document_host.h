@@ -25,6 +25,9 @@ public:
                                                       const std::string& folder) = 0;
     // A save dialog for an export, with an overwrite question; nullopt when cancelled.
     virtual std::optional<std::string> chooseExportPath(const ExportRequest& request) = 0;
+    // An open dialog for a file read into the ledger (a bank statement), with the request's
+    // title, filter and folder; nullopt when cancelled.
+    virtual std::optional<std::string> chooseImportPath(const ExportRequest& request) = 0;
     // Ends the whole program with `status` once control returns to it; the caller stops at once.
     virtual void exitProgram(int status) = 0;
 };
@@ -39,6 +42,10 @@ public:
         return std::nullopt;
     }
     std::optional<std::string> chooseExportPath(const ExportRequest&) override
+    {
+        return std::nullopt;
+    }
+    std::optional<std::string> chooseImportPath(const ExportRequest&) override
     {
         return std::nullopt;
     }

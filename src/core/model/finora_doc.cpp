@@ -403,12 +403,12 @@ void CFinoraDoc::setRules(std::vector<CategoryRule> rules, std::string label)
     changed();
 }
 
-void CFinoraDoc::addObserver(OperationObserver* observer)
+void CFinoraDoc::addObserver(OperationObserver* observer) const
 {
     m_observers.push_back(observer);
 }
 
-void CFinoraDoc::removeObserver(OperationObserver* observer)
+void CFinoraDoc::removeObserver(OperationObserver* observer) const
 {
     std::erase(m_observers, observer);
 }

@@ -128,8 +128,9 @@ public:
     // Called after every successful change, once the document is marked modified.
     void setChangeHandler(ChangeHandler handler) { m_onChange = std::move(handler); }
     // Told of every operation record as it changes; the observer outlives its registration.
-    void addObserver(OperationObserver* observer);
-    void removeObserver(OperationObserver* observer);
+    // Observing changes nothing of the document, so a reader may observe.
+    void addObserver(OperationObserver* observer) const;
+    void removeObserver(OperationObserver* observer) const;
     // Called whenever what undo and redo offer, or the modified mark, may have changed.
     void setStateHandler(std::function<void()> handler) { m_onState = std::move(handler); }
 
@@ -181,7 +182,7 @@ private:
     std::int32_t m_unlocked = 0;
     bool m_readOnly = false;
     ChangeHandler m_onChange;
-    std::vector<OperationObserver*> m_observers;
+    mutable std::vector<OperationObserver*> m_observers;
     std::function<void()> m_onState;
     std::optional<std::uint64_t> m_savedAt; // the history's position when last unmodified
     int m_batchDepth = 0;

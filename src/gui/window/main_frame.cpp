@@ -130,6 +130,7 @@ void CMainFrame::connectFileCommands()
     onCommand(Command::Save, [this] { save(); });
     onCommand(Command::SaveAs, [this] { saveAs(); });
     onCommand(Command::Import, [this] { importLedgerFile(); });
+    onCommand(Command::ImportStatement, [this] { importStatement(); });
     onCommand(Command::SaveFilter, [this] { m_view->filterPanel().saveFilter(); });
     onCommand(Command::LoadFilter, [this] { m_view->filterPanel().loadFilter(); });
     onCommand(Command::Print, [this] { m_report.print(this); });

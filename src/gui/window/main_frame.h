@@ -38,6 +38,7 @@ public:
         Save,
         SaveAs,
         Import,
+        ImportStatement,
         SaveFilter,
         LoadFilter,
         Print,
@@ -141,6 +142,11 @@ public:
     // After a save the filter hides: how many of all the operations it hides.
     static constexpr const char* kSavedButHiddenText =
         QT_TR_NOOP("Записаната операция не се вижда в списъка: филтърът скрива %1 от %2 операции.");
+    // The open dialog's filter for a bank statement.
+    static constexpr const char* kStatementFilter =
+        QT_TR_NOOP("Банкови извлечения (*.csv *.txt *.xml *.ofx *.qfx *.qif *.sta *.940);;"
+                   "CSV (*.csv *.txt);;CAMT.053 XML (*.xml);;OFX/QFX (*.ofx *.qfx);;QIF (*.qif);;"
+                   "MT940/STA (*.sta *.940 *.txt);;Всички файлове (*)");
     // The title's name of a ledger that has never been saved.
     static constexpr const char* kUntitledName = QT_TR_NOOP("Без име");
 
@@ -189,7 +195,11 @@ private:
     void openWithDialog();
     void save();
     void saveAs();
+    // The whole of a file the user chose to read in; false, after telling them, when it cannot be.
+    bool readChosenFile(const std::string& path, std::string& bytes);
     void importLedgerFile();
+    // A bank statement: read, shown line by line, and added as one step when the user says so.
+    void importStatement();
     // The host's save dialog for an export; the extension is added when the name lacks it.
     std::optional<std::string> chooseExportFile(const QString& title, const char* filter,
                                                 std::string_view extension);

@@ -101,6 +101,12 @@ constexpr std::array<CommandInfo, CMainFrame::kCommandCount> kCommands = {
             QT_TRANSLATE_NOOP("finora::CMainFrame", "&Импортиране на данни от друг документ ..."),
             QT_TRANSLATE_NOOP("finora::CMainFrame", "Добавя операциите от друг документ на Finora"),
             {}, {.separatorBefore = true}),
+    command(Command::ImportStatement, "actionImportStatement", Menu::File,
+            QT_TRANSLATE_NOOP("finora::CMainFrame", "Импортиране на &банково извлечение ..."),
+            QT_TRANSLATE_NOOP("finora::CMainFrame",
+                              "Добавя операциите от извлечение на банката (CSV, CAMT.053, OFX, "
+                              "QIF, MT940), след като ги покаже"),
+            {.first = Qt::CTRL | Qt::Key_B}),
     command(Command::SaveFilter, "actionSaveFilter", Menu::File,
             QT_TRANSLATE_NOOP("finora::CMainFrame", "Съхраняване на филтър във файл ..."),
             QT_TRANSLATE_NOOP("finora::CMainFrame", "Записва текущия филтър във външен файл ..."),

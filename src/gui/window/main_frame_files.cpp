@@ -4,6 +4,7 @@
 #include "core/reports/list_csv.h"
 #include "core/storage/file_io.h"
 #include "core/storage/ledger_import.h"
+#include "gui/dialogs/statement_import_dialog.h"
 #include "gui/window/main_frame.h"
 
 #include <QCloseEvent>
@@ -120,6 +121,18 @@ void CMainFrame::saveAs()
     updateTitle();
 }
 
+bool CMainFrame::readChosenFile(const std::string& path, std::string& bytes)
+{
+    FileError error = FileError::None;
+    if (readWholeFile(path, bytes, &error)) {
+        return true;
+    }
+    m_prompter.error(tr("Файлът „%1“ не може да бъде отворен.\n%2")
+                         .arg(QString::fromStdString(path), QString::fromStdString(describe(error)))
+                         .toStdString());
+    return false;
+}
+
 void CMainFrame::importLedgerFile()
 {
     if (refuseWhenLocked(m_doc, m_prompter)) {
@@ -131,6 +144,48 @@ void CMainFrame::importLedgerFile()
         return;
     }
     finora::importLedgerFile(m_doc, *path, m_prompter);
+    m_view->filterPanel().showCriteria();
+    m_view->refresh();
+}
+
+void CMainFrame::importStatement()
+{
+    if (refuseWhenLocked(m_doc, m_prompter)) {
+        return;
+    }
+    const std::string folder =
+        m_doc.path().empty() ? std::string()
+                             : QFileInfo(QString::fromStdString(m_doc.path())).path().toStdString();
+    const auto path =
+        m_host.chooseImportPath({tr("Импортиране на банково извлечение").toStdString(),
+                                 tr(kStatementFilter).toStdString(), folder});
+    if (!path) {
+        return;
+    }
+    std::string bytes;
+    if (!readChosenFile(*path, bytes)) {
+        return;
+    }
+    // A CSV file is read under a guessed layout, which the preview then lets the user correct.
+    StatementReadOptions options;
+    options.format = detectStatementFormat(bytes);
+    if (options.format == StatementFormat::Csv) {
+        options.csvLayout = guessCsvLayout(bytes);
+    }
+    auto read = readStatement(bytes, options);
+    if (!read) {
+        m_prompter.error(tr("Файлът „%1“ не може да бъде прочетен като банково извлечение.\n%2: %3")
+                             .arg(QString::fromStdString(*path),
+                                  QString::fromStdString(read.error().where),
+                                  QString::fromStdString(read.error().reason))
+                             .toStdString());
+        return;
+    }
+    StatementImportDialog preview(m_doc, m_settings, std::move(bytes), read.value(), options, this);
+    if (preview.exec() != QDialog::Accepted || preview.plan().count(LineState::New) == 0) {
+        return;
+    }
+    applyStatementImport(m_doc, preview.plan());
     m_view->filterPanel().showCriteria();
     m_view->refresh();
 }

@@ -42,6 +42,17 @@ std::optional<std::string> QtDocumentHost::chooseExportPath(const ExportRequest&
     return path.toStdString();
 }
 
+std::optional<std::string> QtDocumentHost::chooseImportPath(const ExportRequest& request)
+{
+    const QString path = QFileDialog::getOpenFileName(
+        m_parent, QString::fromStdString(request.title), QString::fromStdString(request.folder),
+        QString::fromStdString(request.filter));
+    if (path.isEmpty()) {
+        return std::nullopt;
+    }
+    return path.toStdString();
+}
+
 void QtDocumentHost::exitProgram(int status)
 {
     // The refusal of a file ends the whole program, asking nothing more, but through the

@@ -20,6 +20,7 @@ public:
     std::optional<std::string> chooseOpenPath(const std::string& caption,
                                               const std::string& folder) override;
     std::optional<std::string> chooseExportPath(const ExportRequest& request) override;
+    std::optional<std::string> chooseImportPath(const ExportRequest& request) override;
     // Leaves the event loop with `status`; asked before the loop runs, main() returns it.
     // Either way every destructor runs, so queued backups are finished and locks let go.
     void exitProgram(int status) override;
