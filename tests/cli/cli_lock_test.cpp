@@ -20,17 +20,6 @@ using namespace finora;
 using namespace finora::test;
 namespace fs = std::filesystem;
 
-namespace {
-
-std::size_t operationsIn(const std::string& bytes)
-{
-    Ledger l;
-    ByteReader reader(bytes);
-    EXPECT_EQ(readLedger(reader, l, [](double) { return true; }).status, ReadStatus::Ok);
-    return l.operations.size();
-}
-
-} // namespace
 
 TEST_F(CliTest, ALedgerOpenInTheDesktopProgramIsNotWrittenWithoutForce)
 {
