@@ -20,7 +20,6 @@ using namespace finora;
 using namespace finora::test;
 namespace fs = std::filesystem;
 
-
 TEST_F(CliTest, ALedgerOpenInTheDesktopProgramIsNotWrittenWithoutForce)
 {
     const std::string file = path("дом.fnr");
