@@ -236,10 +236,11 @@ void CMainFrame::connectOptionCommands()
         m_settings.setValue(IntSetting::AskForFixingSuggestion,
                             m_settings.value(IntSetting::AskForFixingSuggestion) <= 0 ? 1 : 0);
     });
-    for (const auto& [command, money] : {std::pair{Command::MoneyLevs, MainMoney::Levs},
-                                         std::pair{Command::MoneyEuro, MainMoney::Euro},
-                                         std::pair{Command::MoneyBoth, MainMoney::Both}}) {
-        onCommand(command, [this, money] {
+    for (const auto& choice : {std::pair{Command::MoneyLevs, MainMoney::Levs},
+                               std::pair{Command::MoneyEuro, MainMoney::Euro},
+                               std::pair{Command::MoneyBoth, MainMoney::Both}}) {
+        const MainMoney money = choice.second;
+        onCommand(choice.first, [this, money] {
             chooseMainMoney(m_doc, m_settings, m_prompter, money);
             m_view->applyColumnVisibility();
             m_view->filterPanel().showValues();
