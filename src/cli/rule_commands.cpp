@@ -11,36 +11,27 @@
 namespace finora::cli {
 namespace {
 
-constexpr std::pair<CategoryRule::Match, std::string_view> kMatchOptions[] = {
-    {CategoryRule::Match::Contains, "--contains"},
-    {CategoryRule::Match::StartsWith, "--starts-with"},
-    {CategoryRule::Match::Equals, "--equals"},
+// Each way a rule matches: its option, its name in JSON and its words in a listing.
+struct MatchNames {
+    CategoryRule::Match match;
+    std::string_view option;
+    std::string_view key;
+    std::string_view words;
+};
+constexpr MatchNames kMatches[] = {
+    {CategoryRule::Match::Contains, "--contains", "contains", "съдържа"},
+    {CategoryRule::Match::StartsWith, "--starts-with", "starts_with", "започва с"},
+    {CategoryRule::Match::Equals, "--equals", "equals", "е точно"},
 };
 
-std::string_view matchWord(CategoryRule::Match match)
+const MatchNames& namesOf(CategoryRule::Match match)
 {
-    switch (match) {
-    case CategoryRule::Match::StartsWith:
-        return "започва с";
-    case CategoryRule::Match::Equals:
-        return "е точно";
-    case CategoryRule::Match::Contains:
-        break;
+    for (const MatchNames& names : kMatches) {
+        if (names.match == match) {
+            return names;
+        }
     }
-    return "съдържа";
-}
-
-std::string_view matchKey(CategoryRule::Match match)
-{
-    switch (match) {
-    case CategoryRule::Match::StartsWith:
-        return "starts_with";
-    case CategoryRule::Match::Equals:
-        return "equals";
-    case CategoryRule::Match::Contains:
-        break;
-    }
-    return "contains";
+    return kMatches[0];
 }
 
 // "Храна > Пазар" (UTF-8): the category under its parents, as the chooser shows the way to it.
@@ -79,10 +70,10 @@ CategoryRule ruleFromOptions(Session& s)
     const Arguments& a = s.args();
     CategoryRule rule;
     int given = 0;
-    for (const auto& [match, option] : kMatchOptions) {
-        if (const auto text = a.value(option)) {
-            rule.match = match;
-            rule.text = toCp1251(*text, option);
+    for (const MatchNames& names : kMatches) {
+        if (const auto text = a.value(names.option)) {
+            rule.match = names.match;
+            rule.text = toCp1251(*text, names.option);
             ++given;
         }
     }
@@ -110,8 +101,8 @@ CategoryRule ruleFromOptions(Session& s)
 
 std::string ruleText(const CFinoraDoc& doc, const CategoryRule& rule)
 {
-    std::string text =
-        "текстът " + std::string(matchWord(rule.match)) + " „" + cp1251::toUtf8(rule.text) + "“";
+    std::string text = "текстът " + std::string(namesOf(rule.match).words) + " „" +
+                       cp1251::toUtf8(rule.text) + "“";
     if (rule.type != 0) {
         text += rule.type == kIncome ? ", приход" : ", разход";
     }
@@ -142,7 +133,7 @@ void writeRules(std::ostream& out, const CFinoraDoc& doc, bool json)
     for (const CategoryRule& rule : rules) {
         w.beginObject()
             .key("match")
-            .value(matchKey(rule.match))
+            .value(namesOf(rule.match).key)
             .key("text")
             .value(cp1251::toUtf8(rule.text))
             .key("type")
