@@ -18,7 +18,6 @@ constexpr double kLeadOverNext = 2.0;
 
 LearnedCategories::LearnedCategories(const CFinoraDoc& doc) : m_doc(doc)
 {
-    rebuild();
     m_doc.addObserver(this);
 }
 
@@ -27,10 +26,19 @@ LearnedCategories::~LearnedCategories()
     m_doc.removeObserver(this);
 }
 
-void LearnedCategories::rebuild()
+void LearnedCategories::operationsReset()
 {
-    m_words.clear();
-    m_categories.clear();
+    m_built = false;
+    m_words = {};
+    m_categories = {};
+}
+
+void LearnedCategories::build() const
+{
+    if (m_built) {
+        return;
+    }
+    m_built = true;
     for (const Operation& op : m_doc.ledger().operations) {
         count(op, +1);
     }
@@ -55,9 +63,9 @@ void LearnedCategories::add(Tally& tally, std::int32_t category, int delta)
     }
 }
 
-void LearnedCategories::count(const Operation& op, int delta)
+void LearnedCategories::count(const Operation& op, int delta) const
 {
-    if (op.categoryId() <= 0) {
+    if (!m_built || op.categoryId() <= 0) {
         return;
     }
     CategoryUse& use = m_categories[op.categoryId()];
@@ -100,6 +108,7 @@ std::optional<std::int32_t> LearnedCategories::suggest(std::string_view descript
                                                        std::string_view notes,
                                                        std::int32_t type) const
 {
+    build();
     std::vector<std::string> words = textWords(description);
     appendTextWords(notes, words);
     // Entropy is measured against the number of categories in use, so a word spread evenly over

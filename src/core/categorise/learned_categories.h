@@ -21,8 +21,9 @@ class CFinoraDoc;
 // counts, and a word seen once counts half. A category is suggested only when it is clearly
 // ahead, as a wrong guess costs the user more than none.
 //
-// Built once from the document's ledger and kept in step with every change through the
-// document's observer hook, for as long as it lives.
+// Built from the document's ledger the first time it is asked, then kept in step with every change
+// through the document's observer hook, for as long as it lives: a ledger that is never asked
+// for a suggestion costs nothing, and one that is costs one pass.
 class LearnedCategories : public OperationObserver {
 public:
     explicit LearnedCategories(const CFinoraDoc& doc);
@@ -35,11 +36,15 @@ public:
     std::optional<std::int32_t> suggest(std::string_view description, std::string_view notes,
                                         std::int32_t type = 0) const;
 
-    std::size_t wordCount() const { return m_words.size(); }
+    std::size_t wordCount() const
+    {
+        build();
+        return m_words.size();
+    }
 
     void operationAdded(const Operation& op) override { count(op, +1); }
     void operationRemoved(const Operation& op) override { count(op, -1); }
-    void operationsReset() override { rebuild(); }
+    void operationsReset() override;
 
 private:
     struct Tally {
@@ -58,15 +63,17 @@ private:
         }
     };
 
-    void rebuild();
-    void count(const Operation& op, int delta);
+    void build() const;
+    void count(const Operation& op, int delta) const;
     static void add(Tally& tally, std::int32_t category, int delta);
     bool usedWithType(std::int32_t category, std::int32_t type) const;
 
     const CFinoraDoc& m_doc;
-    std::unordered_map<std::string, Tally, WordHash, std::equal_to<>> m_words;
-    std::unordered_map<std::int32_t, CategoryUse> m_categories;
-    std::vector<std::string> m_scratch;
+    // A cache of the ledger's filing, filled on first use.
+    mutable bool m_built = false;
+    mutable std::unordered_map<std::string, Tally, WordHash, std::equal_to<>> m_words;
+    mutable std::unordered_map<std::int32_t, CategoryUse> m_categories;
+    mutable std::vector<std::string> m_scratch;
 };
 
 } // namespace finora

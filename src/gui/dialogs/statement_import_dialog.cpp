@@ -61,11 +61,13 @@ std::optional<double> typedRate(const QString& text)
 
 } // namespace
 
-StatementImportDialog::StatementImportDialog(const CFinoraDoc& doc, const Settings& settings,
-                                             std::string bytes, const Statement& statement,
+StatementImportDialog::StatementImportDialog(const CFinoraDoc& doc,
+                                             const LearnedCategories& learned,
+                                             const Settings& settings, std::string bytes,
+                                             const Statement& statement,
                                              const StatementReadOptions& options, QWidget* parent)
-    : QDialog(parent), m_doc(doc), m_learned(doc), m_settings(settings), m_bytes(std::move(bytes)),
-      m_statement(statement), m_readOptions(options)
+    : QDialog(parent), m_doc(doc), m_learned(learned), m_settings(settings),
+      m_bytes(std::move(bytes)), m_statement(statement), m_readOptions(options)
 {
     setWindowTitle(tr("Импортиране на банково извлечение"));
     m_table = new QTableWidget(0, std::size(kTableHeaders), this);

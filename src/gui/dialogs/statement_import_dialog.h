@@ -28,9 +28,9 @@ class StatementImportDialog final : public QDialog {
 
 public:
     // `statement` is the file read with `options` (for CSV, a layout with every key set).
-    StatementImportDialog(const CFinoraDoc& doc, const Settings& settings, std::string bytes,
-                          const Statement& statement, const StatementReadOptions& options,
-                          QWidget* parent = nullptr);
+    StatementImportDialog(const CFinoraDoc& doc, const LearnedCategories& learned,
+                          const Settings& settings, std::string bytes, const Statement& statement,
+                          const StatementReadOptions& options, QWidget* parent = nullptr);
     ~StatementImportDialog() override;
 
     // The lines as the user left them: unticked ones are not added.
@@ -49,7 +49,7 @@ private:
     void chooseCategory();
 
     const CFinoraDoc& m_doc;
-    LearnedCategories m_learned; // what the ledger's filing suggests for each line
+    const LearnedCategories& m_learned; // what the ledger's filing suggests for each line
     const Settings& m_settings;
     std::string m_bytes;
     Statement m_statement;

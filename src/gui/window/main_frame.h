@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/categorise/learned_categories.h"
 #include "core/editors/operation_editor.h"
 #include "core/lock/lock_commands.h"
 #include "core/model/clock.h"
@@ -213,6 +214,8 @@ private:
     Prompter& m_prompter;
     DocumentHost& m_host;
     CFinoraDoc m_doc;
+    // What the open ledger's filing suggests for new lines; built when first asked.
+    LearnedCategories m_learned{m_doc};
     UndoState m_undoState{m_doc, nullptr}; // a member, not a child: it goes before the document
     BackupWriter m_backups;
     DocumentStorage m_storage;

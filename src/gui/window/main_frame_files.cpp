@@ -181,7 +181,8 @@ void CMainFrame::importStatement()
                              .toStdString());
         return;
     }
-    StatementImportDialog preview(m_doc, m_settings, std::move(bytes), read.value(), options, this);
+    StatementImportDialog preview(m_doc, m_learned, m_settings, std::move(bytes), read.value(),
+                                  options, this);
     if (preview.exec() != QDialog::Accepted || preview.plan().count(LineState::New) == 0) {
         return;
     }
